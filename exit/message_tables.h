@@ -1,0 +1,29 @@
+// The alert message catalogue and the error-name table.
+#pragma once
+
+#include <stdint.h>
+
+#define MESSAGE_TABLE_END 9999
+
+// One catalogue row: number, class (severity letter I/W/E and Y/N) and the
+// template with its placeholders.
+struct MessageCatalogueEntry {
+  uint32_t Number;
+  const char *Class;
+  const char *Template;
+};
+
+// One error-name row: "ENAME - description" and the error number.
+struct MessageTableEntry {
+  const char *Text;
+  int32_t Number;
+};
+
+extern const MessageCatalogueEntry MessageTableMonitorTool[];
+extern const MessageTableEntry MessageTable[];
+
+// The catalogue template of a message, or null when the number is unknown.
+const char *SearchMessageTemplate(uint32_t number);
+// The name and description of an error number; the empty end-row text when
+// the number is unknown.
+const char *SearchErrorName(int32_t number);

@@ -1,0 +1,246 @@
+// Connection time: decide whether the connection is traced, build its
+// control block, register the exit functions and open the first trace file.
+#include "exit/startup.h"
+
+#include <errno.h>
+#include <stdio.h>
+#include <pthread.h>
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "config/update_requests.h"
+#include "exit/alerts.h"
+#include "exit/export.h"
+#include "exit/process_filter.h"
+#include "exit/timing.h"
+#include "output/record_writers.h"
+#include "output/trace_file.h"
+#include "text/constant_table.h"
+#include "text/named_tables.h"
+#include "text/string_utils.h"
+
+void DeriveProcessName(const char *applName28, char *out) {
+  char name[29];
+  StringCopyFixedField(name, applName28, 28);
+  int32_t start = (int32_t)strlen(name);
+  while (start > 0 && name[start - 1] != '/' && name[start - 1] != ' ') {
+    start--;
+  }
+  strncpy(out, name + start, 79);
+  out[79] = '\0';
+}
+
+namespace {
+
+void SetResponse(PZKAXP axp, ZKLONG response, ZKLONG response2) {
+  axp->ExitResponse = response;
+  axp->ExitResponse2 = response2;
+}
+
+bool IsShutdownCommand(const char *processName) {
+  return strncmp(processName, "endzkm", 6) == 0 || strncmp(processName, "ENDZKM", 6) == 0;
+}
+
+void CopyText(char *out, size_t size, const char *text) {
+  strncpy(out, text, size - 1);
+  out[size - 1] = '\0';
+}
+
+// The fixed-width ZKAXP and ZKAXC fields the block keeps, trimmed.
+void CopyConnectionIdentity(ExitControlBlock *cb, const ZKAXP *axp, const ZKAXC *axc) {
+  StringCopyFixedField(cb->ExitInfoName, axp->ExitInfoName, 48);
+  CopyText(cb->ApiCallerTypeText, sizeof cb->ApiCallerTypeText,
+           SearchConstantInt(axp->APICallerType, Constant_ApiCallerType));
+  StringCopyFixedField(cb->QMgrName, axp->QMgrName, 48);
+  CopyText(cb->EnvironmentText, sizeof cb->EnvironmentText,
+           SearchConstantInt(axc->Environment, Constant_Environment));
+  StringCopyFixedField(cb->UserId, axc->UserId, 12);
+  StringCopyFixedField(cb->ConnectionName, axc->ConnectionName, 264);
+  StringCopyFixedField(cb->ApplName, axc->ApplName, 28);
+  CopyText(cb->ApplTypeText, sizeof cb->ApplTypeText,
+           SearchConstantInt(axc->ApplType, Constant_ApplType));
+  DeriveProcessName(axc->ApplName, cb->ProcessName);
+  CopyText(cb->ProcessDescription, sizeof cb->ProcessDescription,
+           SearchConstantString(cb->ProcessName, Constant_Module_Name));
+}
+
+void FreeAreas(ExitControlBlock *cb, QueueHandleEntry *handles) {
+  free(handles);
+  free(cb);
+}
+
+} // namespace
+
+int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const ParameterSettings *settings,
+                             const ZKAXP *axp, const ZKAXC *axc, uint8_t debug) {
+  memcpy(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
+  cb->ZkaxcProcessId = axc->ProcessId;
+  cb->ZkaxcThreadId = axc->ThreadId;
+  cb->ProcessId = (int32_t)getpid();
+  cb->ThreadId = (uint32_t)pthread_self();
+  DeriveProcessName(axc->ApplName, cb->ProcessName); // names the error file's lines
+
+  char directory[34];
+  int32_t length = StringCopyFixedField(directory, axp->ExitData, 32);
+  if (length == 0) {
+    PutMessage(cb, 2101, 0);
+    return -1;
+  }
+  if (directory[length - 1] != '/') {
+    directory[length] = '/';
+    directory[length + 1] = '\0';
+  }
+  memcpy(cb->TraceDirectory, directory, sizeof directory);
+
+  memcpy(cb->ChainHeader.StrucId, ZKACH_STRUC_ID, 4);
+  cb->ChainHeader.Version = ZKACH_VERSION_1;
+  cb->ChainHeader.StrucLength = ZKACH_LENGTH_1;
+  cb->ChainHeader.ChainAreaLength = size;
+  memcpy(cb->ChainHeader.ExitInfoName, axp->ExitInfoName, 48);
+  cb->ChainHeader.NextChainAreaPtr = nullptr;
+
+  cb->Debug = debug;
+  cb->ExecStatus = 1;
+  cb->ExitType = EXIT_TYPE_API;
+
+  CopyText(cb->ProductTitle, sizeof cb->ProductTitle, PRODUCT_TITLE);
+  CopyText(cb->ProgramVersion, sizeof cb->ProgramVersion, PROGRAM_VERSION);
+  CopyText(cb->BuildVariant, sizeof cb->BuildVariant, BUILD_VARIANT);
+  CopyText(cb->MakerContact, sizeof cb->MakerContact, MAKER_CONTACT);
+
+  CopyConnectionIdentity(cb, axp, axc);
+  cb->Settings = *settings;
+  SetValueForCodeRangeCheck(cb);
+  cb->CurrentFileSize = cb->Settings.MaxFileSize + 1;
+  cb->RotationPermitted = 1;
+  cb->WriteBufferSize = size - (int32_t)CONTROL_BLOCK_FIXED_SIZE;
+
+  cb->LastUpdateCheck = time(nullptr);
+  SeekUpdateRequestFiles(nullptr, cb);
+  SetConnectionStartTime(cb);
+  return 0;
+}
+
+void RegisterApiEntry(ExitControlBlock *cb, PZKAXP axp, ZKLONG exitReason, ZKLONG function,
+                      PZKFUNC entryPoint, PZKXEPO exitOpts, PZKLONG pCompCode, PZKLONG pReason) {
+  ZKXEP(axp->Hconfig, exitReason, function, entryPoint, exitOpts, pCompCode, pReason);
+  if (*pReason != 0) {
+    PutMessage(cb, 1021, 0, "ZKXEP", (int32_t)*pCompCode, (int32_t)*pReason,
+               SearchConstantInt(*pReason, Constant_Zkrc), "", "", "");
+    axp->ExitResponse = ZKXCC_FAILED;
+  }
+}
+
+void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReason, int32_t level,
+                       const char *entryName, uint8_t debug) {
+  char processName[80];
+  DeriveProcessName(axc->ApplName, processName);
+  if (IsShutdownCommand(processName)) {
+    SetResponse(axp, ZKXCC_OK, ZKXR2_DEFAULT_CONTINUATION);
+    return;
+  }
+  SetResponse(axp, ZKXCC_FAILED, ZKXR2_SUPPRESS_CHAIN);
+
+  // A first, silent reading: the block's size depends on the settings.
+  ParameterSettings settings;
+  int32_t parameterErrors = ReadParameterFile(nullptr, axp->ExitData, &settings);
+
+  int32_t size = (int32_t)CONTROL_BLOCK_FIXED_SIZE + settings.WriteBufferSize;
+  ExitControlBlock *cb = (ExitControlBlock *)calloc(1, (size_t)size);
+  if (cb == nullptr) {
+    PutMessage(nullptr, 1010, -1);
+    return;
+  }
+  QueueHandleEntry *handles =
+      (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
+  if (handles == nullptr) {
+    PutMessage(nullptr, 1010, -1);
+    free(cb);
+    return;
+  }
+  if (InitializeMemoryArea(cb, size, &settings, axp, axc, debug) != 0) {
+    FreeAreas(cb, handles);
+    return;
+  }
+  cb->HandleList = handles;
+  cb->HandleCapacity = HANDLE_LIST_STEP;
+  axp->ExitChainAreaPtr = cb;
+
+  cb->ApiLevel = API_LEVEL_600;
+  if (axp->Version >= ZKAXP_VERSION_2 && level >= API_LEVEL_700) {
+    cb->ApiLevel = API_LEVEL_700;
+  }
+  CopyText(cb->EntryName, sizeof cb->EntryName, entryName);
+
+  // Read again, now with somewhere to report the bad lines.
+  if (parameterErrors != 0) {
+    ReadParameterFile(cb, axp->ExitData, &cb->Settings);
+  }
+
+  if (cb->Settings.NoExitProcessIfProcNameMismatch == 1 &&
+      SetExecStatusFlagAndProcessNameMatchFlag(cb) != 0) {
+    FreeAreas(cb, handles);
+    SetResponse(axp, ZKXCC_OK, ZKXR2_DEFAULT_CONTINUATION);
+    return;
+  }
+
+  // ZKXEP answers into codes of our own: the connection's are not touched.
+  ZKLONG registerCompCode = ZKCC_OK;
+  ZKLONG registerReason = 0;
+  if (RegisterAllApiEntries(cb, axp, &registerCompCode, &registerReason) != 0) {
+    return;
+  }
+  SetResponse(axp, ZKXCC_OK, ZKXR2_DEFAULT_CONTINUATION);
+
+  if (SetExecStatusFlagAndProcessNameMatchFlag(cb) != 0) {
+    return;
+  }
+  if (SetDataToWriteBuffer(cb, "") != 0) {
+    return;
+  }
+  cb->RotationPermitted = 0;
+  cb->CurrentFunction = axp->Function;
+  cb->CurrentExitReason = axp->ExitReason;
+  cb->CurrentCompCode = *pCompCode;
+  PutHeaderRecord(cb, axp->Function, axp->ExitReason, *pCompCode, *pReason, nullptr, nullptr);
+  if (cb->ProcessNameMatch == 0) {
+    char line[160];
+    snprintf(line, sizeof line, "Process name %s is not in target process name list.",
+             cb->ProcessName);
+    PutMsgToTrace(cb, line);
+    CloseAndCompressFile(cb, nullptr);
+  } else if (cb->ExecStatus == 0) {
+    PutMsgToTrace(cb, "ExecFlag=no or ExecFlag=env is set in parameter file.");
+    CloseAndCompressFile(cb, nullptr);
+  }
+}
+
+WZ_EXPORT void wzEntry(PZKAXP pExitParms, PZKAXC pExitContext, PZKLONG pCompCode, PZKLONG pReason) {
+  ApiTraceExitEntry(pExitParms, pExitContext, pCompCode, pReason, API_LEVEL_700, "wzEntry", 0);
+}
+
+WZ_EXPORT void wzEntryDebug(PZKAXP pExitParms, PZKAXC pExitContext, PZKLONG pCompCode,
+                            PZKLONG pReason) {
+  ApiTraceExitEntry(pExitParms, pExitContext, pCompCode, pReason, API_LEVEL_700, "wzEntryDebug", 1);
+}
+
+WZ_EXPORT void ZKStart(void) {}
+
+WZ_EXPORT void Initialize(PZKAXP, PZKAXC, PZKLONG, PZKLONG) {}
+
+WZ_EXPORT void Terminate(PZKAXP pExitParms, PZKAXC, PZKLONG pCompCode, PZKLONG pReason) {
+  ExitControlBlock *cb = ControlBlockOf(pExitParms);
+  if (cb == nullptr) {
+    return;
+  }
+  if (cb->ExecStatus == 1) {
+    PutHeaderRecord(cb, pExitParms->Function, pExitParms->ExitReason, *pCompCode, *pReason, nullptr,
+                    nullptr);
+  }
+  CloseAndCompressFile(cb, nullptr);
+  free(cb->HandleList);
+  free(cb);
+  pExitParms->ExitChainAreaPtr = nullptr;
+}

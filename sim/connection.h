@@ -1,0 +1,85 @@
+// One application connection to the queue manager and the state that the
+// exits of the chain keep for it.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "exit_chain.h"
+#include "registrations.h"
+#include "zk/zkxc.h"
+
+namespace zkqm {
+
+struct Connection;
+
+// What the queue manager keeps for one exit of the chain on one connection:
+// its configuration handle, the areas handed back to it on every call and the
+// functions it registered.
+struct ExitInstance {
+  const ExitModule *module = nullptr;
+  Connection *connection = nullptr;
+  ZKHCONFIG hconfig = nullptr;
+  ZKBYTE16 userArea = {};
+  ZKBYTE48 pdArea = {};
+  RegistrationTable functions;
+  bool initCalled = false; // the entry function has been called at connect
+  bool suppressed = false; // the exit answered SUPPRESS_EXIT: not called again
+
+  const std::string &name() const { return module->definition.name; }
+};
+
+// The application's side of a connection, as the scenario describes it.
+struct ApplicationIdentity {
+  std::string applName = "zkqm";
+  ZKLONG applType = ZKAT_UNIX;
+  std::string userId = "zkqm";
+  ZKLONG axpVersion = ZKAXP_VERSION_2;
+  ZKLONG environment = ZKXE_OTHER;
+  std::string connectionName;
+  std::string channelName;
+  ZKLONG callerType = ZKXACT_EXTERNAL;
+  ZKLONG threadId = 1;
+};
+
+enum class ConnectionState { Defined, Connected, ConnectFailed, Disconnected };
+const char *stateName(ConnectionState state);
+
+// ZKXEP calls of the connect in progress or last finished.
+struct RegistrationCounts {
+  int calls = 0;
+  int failed = 0;
+  int deregistrations = 0;
+};
+
+struct Connection {
+  std::string name;
+  ApplicationIdentity identity;
+  ConnectionState state = ConnectionState::Defined;
+  std::string qmgrName; // of the current connect
+  ZKHCONN hconn = 0;
+  ZKLONG lastCompCode = ZKCC_OK; // of the last connect or disconnect
+  ZKLONG lastReason = 0;
+
+  // The exit chain area pointer: one per connection, shared by every exit of
+  // the chain and kept from call to call.
+  ZKPTR chainArea = nullptr;
+  std::vector<std::unique_ptr<ExitInstance>> exits; // in chain order
+
+  // ZKXEP call number (counted from the start of each connect) -> Reason
+  // with which that call is to fail.
+  std::map<int, ZKLONG> failRegistration;
+  RegistrationCounts counts;
+
+  // The log names the exit on each registration line only when there is a
+  // choice.
+  bool severalExits() const { return exits.size() > 1; }
+  std::size_t functionsInForce() const;
+
+  // The exit context structure for a call of this connection.
+  void fillContext(ZKAXC &axc) const;
+};
+
+} // namespace zkqm

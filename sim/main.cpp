@@ -1,0 +1,140 @@
+// zkqm: a stand-in ZK queue manager that loads the API exits of a qm.ini
+// configuration and runs a scenario of application calls through them.
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "exit_chain.h"
+#include "ini.h"
+#include "log.h"
+#include "qmgr.h"
+#include "scenario.h"
+
+using namespace zkqm;
+
+namespace {
+
+// Exit codes of the program.
+constexpr int kExitOk = 0;
+constexpr int kExitExpectationFailed = 1;
+constexpr int kExitUsage = 2;
+constexpr int kExitConfiguration = 3;
+
+struct Options {
+  std::string ini;
+  std::string scenario;
+  std::string log;
+  bool noExit = false;
+};
+
+void usage(FILE *out) {
+  std::fputs("usage: zkqm --ini QM.INI --scenario FILE [--log FILE] [--no-exit]\n"
+             "  --ini FILE       configuration with ApiExitLocal stanzas\n"
+             "  --scenario FILE  the commands to run (see sim/README.md)\n"
+             "  --log FILE       write the log to FILE instead of standard output\n"
+             "  --no-exit        load no exit: the connections run without any\n"
+             "                   (--ini is then optional)\n",
+             out);
+}
+
+bool parseArguments(int argc, char **argv, Options &options) {
+  for (int i = 1; i < argc; ++i) {
+    std::string arg = argv[i];
+    auto value = [&](std::string &target) {
+      if (i + 1 >= argc) {
+        reportError("%s needs a value", arg.c_str());
+        return false;
+      }
+      target = argv[++i];
+      return true;
+    };
+    if (arg == "--ini") {
+      if (!value(options.ini)) {
+        return false;
+      }
+    } else if (arg == "--scenario") {
+      if (!value(options.scenario)) {
+        return false;
+      }
+    } else if (arg == "--log") {
+      if (!value(options.log)) {
+        return false;
+      }
+    } else if (arg == "--no-exit") {
+      options.noExit = true;
+    } else if (arg == "--help" || arg == "-h") {
+      usage(stdout);
+      std::exit(kExitOk);
+    } else {
+      reportError("unknown argument '%s'", arg.c_str());
+      return false;
+    }
+  }
+  if (options.scenario.empty() || (options.ini.empty() && !options.noExit)) {
+    reportError("--scenario and --ini are required (--ini may be left out with --no-exit)");
+    return false;
+  }
+  return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  Options options;
+  if (!parseArguments(argc, argv, options)) {
+    usage(stderr);
+    return kExitUsage;
+  }
+
+  std::string error;
+  Scenario scenario;
+  if (!parseScenario(options.scenario, scenario, error)) {
+    reportError("%s", error.c_str());
+    return kExitUsage;
+  }
+
+  QmIni ini;
+  if (!options.ini.empty() && !readQmIni(options.ini, ini, error)) {
+    reportError("%s", error.c_str());
+    return kExitConfiguration;
+  }
+
+  Log &log = runLog();
+  if (!options.log.empty() && !log.openFile(options.log, error)) {
+    reportError("%s", error.c_str());
+    return kExitUsage;
+  }
+
+  ExitChain chain;
+  if (options.noExit) {
+    log.line("exits: none (--no-exit)");
+  } else {
+    if (!chain.load(ini.apiExits, error)) {
+      reportError("%s", error.c_str());
+      log.line("error: %s", error.c_str());
+      return kExitConfiguration;
+    }
+    if (chain.empty()) {
+      log.line("exits: none in the configuration");
+    }
+    for (const ExitModule &m : chain.modules()) {
+      log.line("exit %s: %s in %s, sequence %d", m.definition.name.c_str(),
+               m.definition.function.c_str(), m.moduleFileName.c_str(), m.definition.sequence);
+    }
+  }
+
+  QueueManager qmgr(log, chain);
+  ScenarioContext context{qmgr, log, scenario};
+  bool completed = runScenario(scenario, context);
+  qmgr.disconnectAll();
+  if (!completed) {
+    return kExitUsage;
+  }
+  if (context.failedExpectations > 0) {
+    log.line("end of scenario: %d expectation(s) failed", context.failedExpectations);
+    reportError("%d expectation(s) failed", context.failedExpectations);
+    return kExitExpectationFailed;
+  }
+  log.line("end of scenario");
+  return kExitOk;
+}

@@ -1,0 +1,215 @@
+/* A small API exit for testing the stand-in queue manager.
+ *
+ * Its entry function TestEntry links a chain area of its own into the
+ * connection's chain and registers, in this order: INIT (with the exit
+ * property "TestExit"), TERM, BEFORE and AFTER ZKCONN, BEFORE and AFTER
+ * ZKDISC. It marks its exit user area at entry; TERM reports whether the
+ * mark came back, takes the area out of the chain again and frees it.
+ *
+ * Words in the exit data (blank-separated) change what it does:
+ *   fail   answer FAILED (with suppress-chain) after registering
+ *   stop   stop registering at the first failed registration and answer
+ *          FAILED, as a careful exit does
+ *   dereg  deregister the BEFORE ZKDISC function again right away
+ *   noterm register no TERM function
+ *   badhc  first call ZKXEP with a configuration handle it made up
+ *   bad    also register AFTER for the data-conversion point, which
+ *          has no AFTER call
+ *   dump   write what it received in ZKAXP and ZKAXC to standard error
+ * Every call of the entry and TERM functions is reported on standard error,
+ * prefixed "testexit <name>:". */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include "zk/zkxc.h"
+
+#define EXPORT __attribute__((visibility("default")))
+
+EXPORT ZK_INIT_EXIT TestEntry;
+EXPORT ZK_INIT_EXIT TestInit;
+EXPORT ZK_TERM_EXIT TestTerm;
+EXPORT void TestConnBefore(void);
+EXPORT void TestConnAfter(void);
+EXPORT void TestDiscBefore(void);
+EXPORT void TestDiscAfter(void);
+EXPORT void TestDataConvAfter(void);
+
+/* The registered functions are only looked at, never called, in these
+ * tests. */
+void TestInit(PZKAXP p, PZKAXC c, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)cc, (void)rc;
+}
+void TestConnBefore(void) {}
+void TestConnAfter(void) {}
+void TestDiscBefore(void) {}
+void TestDiscAfter(void) {}
+void TestDataConvAfter(void) {}
+
+/* What the entry leaves in the exit user area (16 bytes). */
+static const char kUserAreaMark[17] = "testexit-area-01";
+
+/* A field without its trailing blanks, NUL-terminated, in `out`. */
+static const char *field(const char *f, size_t width, char *out) {
+  size_t n = width;
+  memcpy(out, f, width);
+  while (n > 0 && (out[n - 1] == ' ' || out[n - 1] == '\0')) {
+    --n;
+  }
+  out[n] = '\0';
+  return out;
+}
+
+/* Is `word` one of the blank-separated words of the exit data? */
+static int hasWord(const PZKAXP p, const char *word) {
+  char data[33];
+  char *save = NULL;
+  field(p->ExitData, sizeof p->ExitData, data);
+  for (char *w = strtok_r(data, " ", &save); w != NULL; w = strtok_r(NULL, " ", &save)) {
+    if (strcmp(w, word) == 0) {
+      return 1;
+    }
+  }
+  return 0;
+}
+
+static const char *nameOf(const PZKAXP p, char *out) {
+  return field(p->ExitInfoName, sizeof p->ExitInfoName, out);
+}
+
+static void dump(const PZKAXP p, const PZKAXC c) {
+  char name[49], data[33], qmgr[49], appl[29], user[13], conn[265], channel[21];
+  fprintf(stderr,
+          "testexit %s: AXP '%.4s' v%d id %d reason %d function %d response %d/%d caller %d "
+          "data '%s' qmgr '%s' chain %s hconfig %s\n",
+          nameOf(p, name), p->StrucId, p->Version, p->ExitId, p->ExitReason, p->Function,
+          p->ExitResponse, p->ExitResponse2, p->APICallerType,
+          field(p->ExitData, sizeof p->ExitData, data),
+          field(p->QMgrName, sizeof p->QMgrName, qmgr), p->ExitChainAreaPtr ? "set" : "null",
+          p->Hconfig ? "set" : "null");
+  fprintf(stderr,
+          "testexit %s: AXC '%.4s' v%d env %d user '%s' appl '%s' type %d pid %s thread %d "
+          "conname '%s' channel '%s'\n",
+          name, c->StrucId, c->Version, c->Environment, field(c->UserId, sizeof c->UserId, user),
+          field(c->ApplName, sizeof c->ApplName, appl), c->ApplType,
+          c->ProcessId == (ZKLONG)getpid() ? "self" : "other", c->ThreadId,
+          field(c->ConnectionName, sizeof c->ConnectionName, conn),
+          field(c->ChannelName, sizeof c->ChannelName, channel));
+}
+
+/* Registers one function; returns the Reason. */
+static ZKLONG reg(PZKAXP p, ZKHCONFIG h, ZKLONG reason, ZKLONG function, PZKFUNC entry,
+                  PZKXEPO opts) {
+  ZKLONG cc = -1, rc = -1;
+  ZKXEP(h, reason, function, entry, opts, &cc, &rc);
+  if (rc != 0) {
+    char name[49];
+    fprintf(stderr, "testexit %s: ZKXEP %d/%d -> CompCode %d Reason %d\n", nameOf(p, name), reason,
+            function, cc, rc);
+  }
+  return rc;
+}
+
+void TestEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
+  char name[49];
+  static const char property[] = "TestExit";
+  ZKXEPO opts = ZKXEPO_DEFAULT;
+  int stop = hasWord(p, "stop");
+  (void)pCompCode, (void)pReason;
+
+  fprintf(stderr, "testexit %s: entry\n", nameOf(p, name));
+  if (hasWord(p, "dump")) {
+    dump(p, c);
+  }
+  p->ExitResponse = ZKXCC_FAILED;
+  p->ExitResponse2 = ZKXR2_SUPPRESS_CHAIN;
+  memcpy(p->ExitUserArea, kUserAreaMark, sizeof p->ExitUserArea);
+
+  /* This exit's chain area goes to the end of the chain. */
+  PZKACH area = calloc(1, sizeof *area);
+  if (area == NULL) {
+    return;
+  }
+  memcpy(area->StrucId, ZKACH_STRUC_ID, 4);
+  area->Version = ZKACH_VERSION_1;
+  area->StrucLength = ZKACH_LENGTH_1;
+  area->ChainAreaLength = sizeof *area;
+  memcpy(area->ExitInfoName, p->ExitInfoName, sizeof area->ExitInfoName);
+  if (p->ExitChainAreaPtr == NULL) {
+    p->ExitChainAreaPtr = area;
+  } else {
+    PZKACH last = p->ExitChainAreaPtr;
+    while (last->NextChainAreaPtr != NULL) {
+      last = last->NextChainAreaPtr;
+    }
+    last->NextChainAreaPtr = area;
+  }
+
+  if (hasWord(p, "badhc")) {
+    reg(p, (ZKHCONFIG)(size_t)0x1234, ZKXR_BEFORE, ZKXF_PUT, TestConnBefore, NULL);
+  }
+  opts.ExitProperties.VSPtr = (ZKPTR)property;
+  opts.ExitProperties.VSLength = (ZKLONG)strlen(property);
+
+  struct {
+    ZKLONG reason, function;
+    PZKFUNC entry;
+    PZKXEPO opts;
+  } table[] = {
+      {ZKXR_CONNECTION, ZKXF_INIT, (PZKFUNC)TestInit, &opts},
+      {ZKXR_CONNECTION, ZKXF_TERM, (PZKFUNC)TestTerm, NULL},
+      {ZKXR_BEFORE, ZKXF_CONN, TestConnBefore, NULL},
+      {ZKXR_AFTER, ZKXF_CONN, TestConnAfter, NULL},
+      {ZKXR_BEFORE, ZKXF_DISC, TestDiscBefore, NULL},
+      {ZKXR_AFTER, ZKXF_DISC, TestDiscAfter, NULL},
+  };
+  for (size_t i = 0; i < sizeof table / sizeof table[0]; ++i) {
+    if (table[i].function == ZKXF_TERM && hasWord(p, "noterm")) {
+      continue;
+    }
+    if (reg(p, p->Hconfig, table[i].reason, table[i].function, table[i].entry, table[i].opts) !=
+            0 &&
+        stop) {
+      return;
+    }
+  }
+  if (hasWord(p, "dereg")) {
+    reg(p, p->Hconfig, ZKXR_BEFORE, ZKXF_DISC, NULL, NULL);
+  }
+  if (hasWord(p, "bad")) {
+    reg(p, p->Hconfig, ZKXR_AFTER, ZKXF_DATA_CONV_ON_GET, TestDataConvAfter, NULL);
+  }
+  if (hasWord(p, "fail")) {
+    return;
+  }
+  p->ExitResponse = ZKXCC_OK;
+  p->ExitResponse2 = ZKXR2_DEFAULT_CONTINUATION;
+}
+
+void TestTerm(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
+  char name[49];
+  (void)pCompCode, (void)pReason;
+  fprintf(stderr, "testexit %s: TERM, user area %s\n", nameOf(p, name),
+          memcmp(p->ExitUserArea, kUserAreaMark, sizeof p->ExitUserArea) == 0 ? "kept" : "lost");
+  if (hasWord(p, "dump")) {
+    dump(p, c);
+  }
+  /* Take this exit's area (found by its name) out of the chain. */
+  PZKACH previous = NULL;
+  for (PZKACH area = p->ExitChainAreaPtr; area != NULL; area = area->NextChainAreaPtr) {
+    if (memcmp(area->ExitInfoName, p->ExitInfoName, sizeof p->ExitInfoName) == 0) {
+      if (previous == NULL) {
+        p->ExitChainAreaPtr = area->NextChainAreaPtr;
+      } else {
+        previous->NextChainAreaPtr = area->NextChainAreaPtr;
+      }
+      free(area);
+      fprintf(stderr, "testexit %s: chain area freed\n", name);
+      break;
+    }
+    previous = area;
+  }
+  p->ExitResponse = ZKXCC_OK;
+  p->ExitResponse2 = ZKXR2_DEFAULT_CONTINUATION;
+}

@@ -1,0 +1,90 @@
+#include "tests/unit/test_support.h"
+
+#include <dirent.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+
+TestXep gTestXep;
+
+extern "C" void ZKXEP(ZKHCONFIG, ZKLONG exitReason, ZKLONG function, PZKFUNC entryPoint,
+                      PZKXEPO exitOpts, PZKLONG pCompCode, PZKLONG pReason) {
+  RecordedRegistration call{exitReason, function, entryPoint, exitOpts != nullptr, ""};
+  if (exitOpts != nullptr && exitOpts->ExitProperties.VSPtr != nullptr) {
+    call.ExitProperty.assign((const char *)exitOpts->ExitProperties.VSPtr,
+                             (size_t)exitOpts->ExitProperties.VSLength);
+  }
+  gTestXep.Calls.push_back(call);
+  bool fail = (gTestXep.FailAt != 0 && (int)gTestXep.Calls.size() == gTestXep.FailAt) ||
+              (gTestXep.FailFunction != 0 && function == gTestXep.FailFunction);
+  *pCompCode = fail ? ZKCC_FAILED : ZKCC_OK;
+  *pReason = fail ? gTestXep.FailReason : 0;
+}
+
+TempDir::TempDir() {
+  char pattern[] = "/tmp/wz-test-XXXXXX";
+  path_ = mkdtemp(pattern);
+}
+
+TempDir::~TempDir() {
+  for (const std::string &name : List()) {
+    unlink(File(name).c_str());
+  }
+  rmdir(path_.c_str());
+}
+
+void TempDir::Write(const std::string &name, const std::string &content) const {
+  std::ofstream(File(name), std::ios::binary) << content;
+}
+
+std::string TempDir::Read(const std::string &name) const {
+  std::ifstream in(File(name), std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+std::vector<std::string> TempDir::List() const {
+  std::vector<std::string> names;
+  if (DIR *dir = opendir(path_.c_str())) {
+    while (dirent *entry = readdir(dir)) {
+      if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0) {
+        names.push_back(entry->d_name);
+      }
+    }
+    closedir(dir);
+  }
+  return names;
+}
+
+void SetFixedField(char *field, size_t width, const std::string &value) {
+  memset(field, ' ', width);
+  memcpy(field, value.data(), value.size() < width ? value.size() : width);
+}
+
+TestConnection::TestConnection(const std::string &exitData, const std::string &applName,
+                               ZKLONG axpVersion) {
+  memset(&Axp, 0, sizeof Axp);
+  memset(&Axc, 0, sizeof Axc);
+  memcpy(Axp.StrucId, ZKAXP_STRUC_ID, 4);
+  Axp.Version = axpVersion;
+  Axp.ExitId = ZKXT_API_EXIT;
+  Axp.ExitReason = ZKXR_CONNECTION;
+  Axp.Function = ZKXF_INIT;
+  Axp.APICallerType = ZKXACT_EXTERNAL;
+  SetFixedField(Axp.ExitData, 32, exitData);
+  SetFixedField(Axp.ExitInfoName, 48, "wz");
+  SetFixedField(Axp.QMgrName, 48, "ZKQM1");
+  memcpy(Axc.StrucId, ZKAXC_STRUC_ID, 4);
+  Axc.Version = ZKAXC_VERSION_2;
+  Axc.Environment = ZKXE_OTHER;
+  SetFixedField(Axc.UserId, 12, "alice");
+  SetFixedField(Axc.ConnectionName, 264, "");
+  SetFixedField(Axc.ApplName, 28, applName);
+  Axc.ApplType = ZKAT_UNIX;
+  Axc.ProcessId = 4242;
+  Axc.ThreadId = 7;
+}

@@ -1,0 +1,22 @@
+// Builds every Constant_... table from the constant families of zk/defs, the
+// same rows that define the platform's constants.
+#include "text/constant_table.h"
+
+#define ZK_FAMILY_BEGIN(table) extern const ConstantIntEntry Constant_##table[] = {
+#define ZK_FAMILY_END(table, endText)                                                              \
+  { CONSTANT_TABLE_END, endText }                                                                  \
+  }                                                                                                \
+  ;
+#define ZK_CONST(name, value, text) {(int32_t)(value), text},
+#define ZK_NAMED(name, value) {(int32_t)(value), #name},
+#define ZK_ALIAS(name, value)
+#define ZK_ROW(value, text) {(int32_t)(value), text},
+#define ZK_STRING_FAMILY_BEGIN(table) extern const ConstantStringEntry Constant_##table[] = {
+#define ZK_STRING_FAMILY_END(table, endText)                                                       \
+  { "", endText }                                                                                  \
+  }                                                                                                \
+  ;
+#define ZK_STRING_CONST(name, key, text) {key, text},
+#define ZK_STRING_ROW(key, text) {key, text},
+#include "zk/defs/all.def"
+#include "zk/defs/undef.h"

@@ -1,0 +1,39 @@
+/* Named constants of the ZK platform.
+ *
+ * Every family of constants that the trace shows by name is written once, in
+ * zk/defs/<family>.def, as rows of value, name and description. This header
+ * turns those rows into C constants; text/constant_tables.cpp turns the very
+ * same rows into the look-up tables, so the two can never drift apart.
+ *
+ * Row forms of a .def file:
+ *   ZK_FAMILY_BEGIN(Table)              starts the integer family Constant_Table
+ *   ZK_CONST(NAME, value, "text")       a constant and its table row
+ *   ZK_NAMED(NAME, value)               a constant whose row text is its own name
+ *   ZK_ALIAS(NAME, value)               a constant with no row (a synonym)
+ *   ZK_ROW(value, "text")               a table row with no constant of its own
+ *   ZK_FAMILY_END(Table, "not found")   closes the family with its end text
+ *   ZK_STRING_FAMILY_BEGIN(Table)       the same for tables keyed by strings
+ *   ZK_STRING_CONST(NAME, "key", "text")
+ *   ZK_STRING_ROW("key", "text")
+ *   ZK_STRING_FAMILY_END(Table, "not found") */
+#ifndef ZK_ZKCONST_H
+#define ZK_ZKCONST_H
+
+#include "zktypes.h"
+
+#define ZK_FAMILY_BEGIN(table)
+#define ZK_FAMILY_END(table, endText)
+#define ZK_CONST(name, value, text) enum { name = (ZKLONG)(value) };
+#define ZK_NAMED(name, value) enum { name = (ZKLONG)(value) };
+#define ZK_ALIAS(name, value) enum { name = (ZKLONG)(value) };
+#define ZK_ROW(value, text)
+#define ZK_STRING_FAMILY_BEGIN(table)
+#define ZK_STRING_FAMILY_END(table, endText)
+#define ZK_STRING_CONST(name, key, text) static const char name[] = key;
+#define ZK_STRING_ROW(key, text)
+
+#include "defs/all.def"
+
+#include "defs/undef.h"
+
+#endif
