@@ -3,6 +3,7 @@
 #pragma once
 
 #include <stdint.h>
+#include <stdio.h>
 #include <sys/time.h>
 #include <time.h>
 
@@ -20,14 +21,31 @@
 #define API_LEVEL_700 700
 #define HANDLE_LIST_STEP 100
 
-// Calls counted and timed per traced function (one record for the calls,
-// one for the calls counted since the last summary).
-struct ApiCallStatistics {
-  int64_t Count;
-  int64_t TotalMicroseconds;
-  int64_t MinimumMicroseconds;
-  int64_t MaximumMicroseconds;
+// Counts and times of one traced function (or of all, as the total) over
+// one summary period.
+struct CallCounterRecord {
+  int64_t MinimumTime; // microseconds
+  int64_t MaximumTime;
+  int64_t TotalTime;
+  int64_t TimedCalls;
+  int64_t SecondMinimum; // a second measure only a channel-exit build supplies
+  int64_t SecondMaximum;
+  int64_t SecondTotal;
+  int64_t SecondCount;
+  uint32_t OkCount;              // CompCode 0
+  uint32_t ExpectedFailureCount; // failed with an expected reason, such as no message
+  uint32_t WarningCount;         // CompCode 1
+  uint32_t ErrorCount;           // anything else
+  uint32_t CallCount;            // all calls
 };
+
+// The two summary periods: since start-up, and since the last split.
+#define COUNTER_CUMULATIVE 0
+#define COUNTER_SPLIT 1
+
+// Functions with counters, in summary order: ZKCONN, ZKCONNX, ZKDISC, ZKOPEN,
+// ZKCLOSE, ZKGET, ZKPUT, ZKPUT1, ZKSET, ZKINQ, ZKCMIT, ZKBACK, ZKBEGIN,
+// ZKSTAT, ZKSUB, ZKSUBRQ, ZKCTL, ZKCB, the callback, then the 12 xa_*/ax_*.
 #define STATISTICS_FUNCTION_COUNT 31
 
 // One open object handle and the name it was opened under.
@@ -42,7 +60,14 @@ struct ExitControlBlock {
   char EyeCatcher[8];
   ZKACH ChainHeader;
   ParameterSettings Settings;
-  ApiCallStatistics Statistics[STATISTICS_FUNCTION_COUNT][2];
+  // Call counting and summaries.
+  CallCounterRecord Statistics[STATISTICS_FUNCTION_COUNT][2]; // [function][period]
+  CallCounterRecord Totals[2]; // per period; Totals[0].CallCount numbers the records
+  uint32_t SplitSequence;
+  struct timeval SplitStartTime;
+  char SplitStartText[64];
+  int32_t IntervalCallCounter;
+  time_t LastIntervalTime;
   int32_t ProcessId;
   uint32_t ThreadId;
   time_t LastUpdateCheck;
@@ -59,7 +84,18 @@ struct ExitControlBlock {
   char ResolvedQueueName[49];
   struct timeval StartTime;
   char StartTimeText[64];
-  struct timeval ApiBeforeTime;
+  // Record writing.
+  struct timeval ApiBeforeTime; // before-time of the current ZKI call
+  struct timeval XaBeforeTime;  // before-time of the current transaction-manager call
+  char RecordTimeText[64];      // time stamp of the record being written
+  uint32_t LastPrintedSequence;
+  uint8_t NoAddress; // leave storage addresses out of dump titles
+  uint8_t SuppressProcessChangeNotes;
+  // Platform level, found once per connection.
+  uint8_t ZkLevelSearched;
+  char ZkVersion[75];
+  char ZkLevel[80];
+  char ZkBuildType[80];
   char ProductTitle[50];
   char ProgramVersion[20];
   char BuildVariant[50];
@@ -78,15 +114,28 @@ struct ExitControlBlock {
   char ApplTypeText[50];
   char ProcessName[80];
   char ProcessDescription[130];
-  int64_t CurrentFileSize;
+  // Trace file.
+  int64_t CurrentFileSize; // bytes written to the current file
   char TraceDirectory[34];
+  char TraceFilePath[300];
+  int32_t FileDescriptor; // 0: none (WriteStream no)
+  FILE *FileStream;       // null: none (WriteStream yes)
+  int32_t FileSequenceNumber;
+  time_t LastFlushTime;
+  int64_t ProgressMark;
   uint8_t RotationPermitted;
+  uint8_t ThreadChanged;
+  uint8_t FileReopened;
+  uint8_t UnknownAttributeSeen;
+  uint8_t NewFileOpened;
+  int32_t RecordedProcessId;
+  uint32_t RecordedThreadId;
   CodeRangeMap CodeRange;
   int32_t HandleCount;
   int32_t HandleCapacity;
   QueueHandleEntry *HandleList;
   int32_t WriteBufferSize;
-  int32_t WriteBufferUsed;
+  int32_t WriteBufferFill;
   char WriteBuffer[]; // WriteBufferSize bytes: the block's last member
 };
 

@@ -1,14 +1,45 @@
-// Fixed trace records: call headers and notes.
+// Fixed trace records: call headers, summary-only lines, notes and
+// hex-and-character dumps.
 #pragma once
 
 #include <stdint.h>
 
+#include "zk/zk.h"
+
 struct ExitControlBlock;
+struct CallCounterRecord;
 
-// Writes the header record of a call before or after it. The extra values
-// are passed on to call counting. Not in place yet: writes nothing.
+// Dump modes of PutHexDataLen.
+#define HEX_MODE_PLAIN 0
+#define HEX_MODE_PREFIXED 1
+
+// Writes the header record of a call before or after it. After the call it
+// shows the codes and the elapsed time and counts the call in the given
+// counter records (either may be null).
 void PutHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason, int32_t compCode,
-                     int32_t reason, const void *extra1, const void *extra2);
+                     int32_t reason, CallCounterRecord *first, CallCounterRecord *second);
 
-// Writes a note line. Not in place yet: writes nothing.
+// The one-line record of summary-only mode; times and counts the call.
+// `md` may be null; `msgLength` -1 means none.
+void PutSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason,
+                     CallCounterRecord *first, CallCounterRecord *second, const ZKMD *md,
+                     int32_t msgLength);
+
+// A note: "|  *** text ***  " with the time stamp.
 void PutMsgToTrace(ExitControlBlock *cb, const char *text);
+
+// Hex-and-character dump of `length` bytes at `address`.
+void PutHexData(ExitControlBlock *cb, const char *title, const void *address, int32_t length,
+                int32_t mode);
+
+// The same, dumping `dumpLength` bytes while the title shows `shownLength`.
+void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
+                   int32_t dumpLength, int32_t mode, int32_t shownLength);
+
+// Dumps the text of a variable-length string; `base` is the address of the
+// structure that holds the descriptor, for offset-addressed text.
+void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
+                     const void *base);
+
+extern const char GraphicHexUpper4Bits[256];
+extern const char GraphicHexLower4Bits[256];

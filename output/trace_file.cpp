@@ -2,4 +2,4 @@
 
 int32_t SetDataToWriteBuffer(ExitControlBlock *, const char *) { return 0; }
 
-int32_t CloseAndCompressFile(ExitControlBlock *, const char *) { return 0; }
+void CloseAndCompressFile(ExitControlBlock *, const char *) {}

@@ -1,15 +1,36 @@
-// Trace files: the write buffer, file naming, rotation and compression.
+// Trace files: the write buffer, file naming, rotation, reopening and
+// compression. All trace text reaches the disk through here.
 #pragma once
 
 #include <stdint.h>
 
 struct ExitControlBlock;
 
-// The one entry point of the record writers. An empty text only makes the
-// file checks (this is how start-up opens the first file). 0 or -1.
-// The file writer is not in place yet: texts are accepted and dropped.
+// The one entry point of the record writers: switches to a new file when
+// the text would not fit in the current one, then writes it. An empty text
+// only makes the file checks (this is how start-up opens the first file).
+// 0, or -1 on a file failure (FatalError is then set).
 int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text);
 
-// Closes the current trace file; `suffix` (or null) follows ".txt".
-// Not in place yet: does nothing.
-int32_t CloseAndCompressFile(ExitControlBlock *cb, const char *suffix);
+// Writes a text through the buffer, without the file-switch check. 0 or -1.
+int32_t WriteTraceData(ExitControlBlock *cb, const char *text);
+
+// Writes the buffer out. 0 or -1.
+int32_t FlushTraceDataInBuffer(ExitControlBlock *cb);
+
+// Closes the current file: summary, closing notes, rename from ".t" to
+// ".txt" (then `suffix`, when given), compression. `suffix` may be null.
+void CloseAndCompressFile(ExitControlBlock *cb, const char *suffix);
+
+// Chooses the next file name and stores its full path in cb->TraceFilePath.
+// 0 or -1; *reopenedSize is the size of a closed file taken up again, else 0.
+int32_t GenerateNewFileName(ExitControlBlock *cb, int64_t *reopenedSize);
+
+// Looks for `name` in the trace directory: 2 an entry of exactly that name
+// (its size in *size), 1 entries beginning with it, 0 none, -1 no directory.
+int32_t CheckFileExistence(ExitControlBlock *cb, const char *name, int64_t *size);
+
+// Maps the first `length` bytes in place to characters safe in file names.
+void TranslateZkObjectNameToFileName(char *text, int32_t length);
+
+extern const unsigned char ZkObjectNameToFileNameTable[256];

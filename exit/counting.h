@@ -1,0 +1,41 @@
+// Call counting and timing: elapsed times, result classes, counters and the
+// alert file line.
+#pragma once
+
+#include <stdint.h>
+#include <sys/time.h>
+
+#include "zk/zktypes.h"
+
+struct ExitControlBlock;
+struct CallCounterRecord;
+
+// Result classes of a call.
+#define RESULT_OK 0
+#define RESULT_EXPECTED_FAILURE 1
+#define RESULT_WARNING 2
+#define RESULT_ERROR 3
+
+void setTimeBeforeApiCall(ExitControlBlock *cb);
+void SetTimeBeforeApiCallXa(ExitControlBlock *cb);
+
+// Elapsed microseconds from the call's before-time to `now`; with a text
+// buffer also its text ("%5lld.%06lld").
+int64_t CalculateApiCallTimeAndShow(ExitControlBlock *cb, int32_t function,
+                                    const struct timeval *now, char *text, int64_t *elapsed);
+
+// "%5lld.%06lld": whole seconds right-aligned in 5, then 6 digits.
+void ReformatProcessTime(char *text, int32_t size, int64_t microseconds);
+
+int32_t ClassifyCallResult(ZKLONG compCode, ZKLONG reason);
+
+void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *pCompCode,
+                          const ZKLONG *pReason, CallCounterRecord *first,
+                          CallCounterRecord *second, uint8_t timeGiven, int64_t elapsed,
+                          uint8_t secondGiven, int64_t secondMeasure);
+
+// Length of one put-message record for the given ZKPMRF_* flags.
+int32_t CalculateZkpmrUnitLength(int32_t putMsgRecFields);
+
+// Index of a function's counter records (0..30), or -1 when it has none.
+int32_t StatisticsIndexOfFunction(int32_t function);
