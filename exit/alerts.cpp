@@ -26,10 +26,9 @@ void FormatTimeStamp(char *out, size_t size) {
   struct tm local;
   time_t seconds = now.tv_sec;
   localtime_r(&seconds, &local);
-  snprintf(out, size, "%04u/%02u/%02u %02u:%02u:%02u.%06u",
-           (unsigned)(local.tm_year + 1900), (unsigned)(local.tm_mon + 1), (unsigned)local.tm_mday,
-           (unsigned)local.tm_hour, (unsigned)local.tm_min, (unsigned)local.tm_sec,
-           (unsigned)now.tv_usec);
+  snprintf(out, size, "%04u/%02u/%02u %02u:%02u:%02u.%06u", (unsigned)(local.tm_year + 1900),
+           (unsigned)(local.tm_mon + 1), (unsigned)local.tm_mday, (unsigned)local.tm_hour,
+           (unsigned)local.tm_min, (unsigned)local.tm_sec, (unsigned)now.tv_usec);
 }
 
 // Fills the placeholders $1, $2, ... in order from the argument list; stops

@@ -1,9 +1,276 @@
-// Field formatting primitives: the one line layout of every parsed field.
+// Field formatting primitives: the one line layout of every parsed field
+// ("|> ", the name padded to 25 columns, ": ", the value, a newline), the
+// forms of numbers, strings, byte fields, pointers and handles, the byte
+// order of integers read from foreign-encoded structures, and the displays
+// that recur in many structures. Every structure formatter is a sequence of
+// calls to these.
+//
+// Each Show... function writes through WriteTraceData and returns what the
+// last WriteTraceData returned (0, or -1 on a file failure); callers may
+// ignore it. Nothing here allocates: text is built in buffers on the stack.
 #pragma once
 
 #include <stdint.h>
+#include <string.h>
+
+#include "zk/zktypes.h"
 
 struct ExitControlBlock;
 
-// The value in decimal with thousands separators.
+// Width of the name column of a field line.
+#define FIELD_NAME_WIDTH 25
+// The integer encodings of the encoding value (its bits 0-3).
+#define ZK_ENCODING_INTEGER_NORMAL 1
+#define ZK_ENCODING_INTEGER_REVERSED 2
+// The encoding of the host, little-endian i386.
+#define ZK_ENCODING_NATIVE 546
+// Byte fields shorter than this are shown on one line; longer ones as a dump.
+#define FIELD_SINGLE_LINE_HEX_LIMIT 33
+// A string value goes to separate text lines when its length plus this
+// exceeds MaxParsedOutputLineLength.
+#define FIELD_STRING_LINE_RESERVE 30
+// A string field is written in pieces of at most this many bytes.
+#define FIELD_STRING_PIECE 99
+// ShowZKCHARV: the string cannot be read (the call has not filled it yet).
+#define ZKCHARV_STRING_UNREADABLE ((const void *)(intptr_t)-1)
+
+// ---------------------------------------------------------------------------
+// Line builder. A field line is gathered in a stack buffer and written with
+// as few WriteTraceData calls as possible; a buffer that fills up is written
+// out and reused, so a line of any length can be built.
+
+#define TRACE_LINE_SIZE 512
+
+struct TraceLine {
+  ExitControlBlock *cb;
+  int32_t used;
+  int32_t rc; // what the last WriteTraceData returned
+  char text[TRACE_LINE_SIZE];
+};
+
+inline void TraceLineStart(TraceLine *line, ExitControlBlock *cb) {
+  line->cb = cb;
+  line->used = 0;
+  line->rc = 0;
+}
+
+// Writes out what the buffer holds (if anything) and returns the result of
+// the last WriteTraceData of this line (0 when none was needed yet).
+int32_t TraceLineWrite(TraceLine *line);
+// The out-of-line paths of the appends below, taken when the buffer is full.
+void TraceLineAppendSlow(TraceLine *line, const char *text, int32_t length);
+void TraceLineAppendRepeatSlow(TraceLine *line, char c, int32_t count);
+
+inline int32_t TraceLineRoom(const TraceLine *line) {
+  return TRACE_LINE_SIZE - 1 - line->used; // one byte stays for the NUL
+}
+
+// A negative length or count appends nothing.
+inline void TraceLineAppend(TraceLine *line, const char *text, int32_t length) {
+  if ((uint32_t)length <= (uint32_t)TraceLineRoom(line)) {
+    memcpy(line->text + line->used, text, (size_t)length);
+    line->used += length;
+    return;
+  }
+  TraceLineAppendSlow(line, text, length);
+}
+
+inline void TraceLineAppendText(TraceLine *line, const char *text) {
+  if (text != nullptr) {
+    TraceLineAppend(line, text, (int32_t)strlen(text));
+  }
+}
+
+inline void TraceLineAppendChar(TraceLine *line, char c) {
+  if (TraceLineRoom(line) < 1) {
+    TraceLineWrite(line);
+  }
+  line->text[line->used++] = c;
+}
+
+inline void TraceLineAppendRepeat(TraceLine *line, char c, int32_t count) {
+  if ((uint32_t)count <= (uint32_t)TraceLineRoom(line)) {
+    memset(line->text + line->used, c, (size_t)count);
+    line->used += count;
+    return;
+  }
+  TraceLineAppendRepeatSlow(line, c, count);
+}
+
+// Appends at most `length` bytes, stopping at a zero byte, each byte outside
+// 7-bit printable ASCII as "."; returns the number of bytes appended.
+int32_t TraceLineAppendSevenBit(TraceLine *line, const void *bytes, int32_t length);
+// Decimal, right-aligned in `width` columns (0: no padding) like "%*d".
+void TraceLineAppendInt32(TraceLine *line, int32_t value, int32_t width);
+void TraceLineAppendUInt32(TraceLine *line, uint32_t value, int32_t width);
+void TraceLineAppendInt64(TraceLine *line, int64_t value, int32_t width);
+// Eight upper-case hex digits, like "%08X".
+void TraceLineAppendHex32(TraceLine *line, uint32_t value);
+// "|> ", the name left-justified in 25 columns (a longer one is not cut), ": ".
+void TraceLineAppendFieldName(TraceLine *line, const char *name);
+
+// The upper-case hex digit pairs of all byte values in order, "00" to "FF".
+extern const char FieldHexPairs[513];
+// The two hex digits of a byte.
+inline const char *FieldHexPair(uint8_t byte) {
+  return FieldHexPairs + 2 * byte;
+}
+
+// ---------------------------------------------------------------------------
+// Line-building primitives.
+
+// Field names may be left empty (or null) to write a value alone.
+inline bool FieldHasName(const char *name) {
+  return name != nullptr && name[0] != '\0';
+}
+
+// "|> " then the name left-justified in 25 columns, then ": ".
+int32_t ShowFieldName(ExitControlBlock *cb, const char *name);
+
+// The version header line "|> --- MD version 2" filled with "-" to 29
+// characters, then a newline.
+int32_t ShowDataVersion(ExitControlBlock *cb, const char *structureName, int32_t version);
+
+// The field name (when the name is not empty), the value as "%d", and a
+// newline when endOfLine is set.
+int32_t ShowFieldValueZklong(ExitControlBlock *cb, const char *name, int32_t value,
+                             uint8_t endOfLine);
+
+// The same with the value right-aligned in six columns ("%6d").
+int32_t ShowFieldValueZklongFixedLen(ExitControlBlock *cb, const char *name, int32_t value,
+                                     uint8_t endOfLine);
+
+// The field name (when not empty), the 64-bit value given as its low and high
+// word as "%6lld", " (description)" when the description is not empty
+// (null counts as empty), and always a newline.
+int32_t ShowFieldValueZkInt64FixedLen(ExitControlBlock *cb, const char *name, uint32_t low,
+                                      uint32_t high, const char *description);
+
+// The field name (when not empty), then the bytes as text: trailing LF, CR
+// and blanks dropped, every byte outside 7-bit printable ASCII shown as "."
+// and a zero byte ending the text of its 99-byte piece; always a newline.
+int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const void *bytes,
+                                  int32_t length);
+
+// One entry of a flag list: " / " when *counter is above 0, then the text;
+// *counter is incremented.
+int32_t ShowAttributeDescription(ExitControlBlock *cb, uint32_t *counter, const char *text);
+
+// An unknown flag or enumeration value: alert message 3101 with the name and
+// value, the unknown banner, and the unknown-attribute flag set.
+int32_t ShowUnknownAttribute(ExitControlBlock *cb, const char *name, uint32_t value);
+
+// An unknown structure version: the unknown-attribute flag set, alert
+// message 3100, and the unknown banner with the version.
+int32_t ShowUnknownStructureVersion(ExitControlBlock *cb, const char *structureName,
+                                    int32_t version);
+
+// "(null)" when the value is 0 and nullFlag is set, else "0x%8.8X"; no newline.
+int32_t Show4ByteIntegerInHex(ExitControlBlock *cb, uint32_t value, uint8_t nullFlag);
+
+// A pointer the same way (pointers are 32-bit).
+int32_t ShowPointerInHex(ExitControlBlock *cb, const void *pointer, uint8_t nullFlag);
+
+// "(null)" when the value is 0 and nullFlag is set, else "0x", the high word
+// in eight hex digits, a blank and the low word ("0x0000000A 00000001").
+int32_t Show8ByteIntegerInHex(ExitControlBlock *cb, uint32_t low, uint32_t high, uint8_t nullFlag);
+
+// A byte field on one line: the field name (when not empty); with nullCheck,
+// "(null)\n" when the length is below 1 or all bytes are 0; with hex, the
+// bytes in hex, a blank before every fourth byte, then two blanks; then the
+// character image in brackets and, with endOfLine, a newline.
+int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, const void *bytes,
+                                     int32_t length, uint8_t nullCheck, uint8_t hex,
+                                     uint8_t endOfLine);
+
+// A byte field as a dump: the field name (when not empty); with nullCheck
+// "(null)\n" when the length is below 1 or all bytes are 0; else a newline
+// and the prefixed hex dump of the bytes.
+int32_t ShowParsedHexValueMultipleLines(ExitControlBlock *cb, const char *name, const void *bytes,
+                                        int32_t length, uint8_t nullCheck);
+
+// One line for fields below 33 bytes, the dump from 33 bytes on.
+int32_t ShowParsedHexValueFormatSelect(ExitControlBlock *cb, const char *name, const void *bytes,
+                                       int32_t length);
+
+// The 8 bytes of a message handle on one line.
+int32_t ShowZKHMSG(ExitControlBlock *cb, const char *name, ZKHMSG handle);
+
+// The value ("%6d" when fixedWidth is set, else "%d") and " (name of the
+// CCSID)\n"; CCSID 0 reads "default / queue_manager".
+int32_t ShowParsedCommonCcsid(ExitControlBlock *cb, const char *name, int32_t ccsid,
+                              uint8_t fixedWidth);
+
+// The field "Format": the 8-character format name with its description when
+// the name is known, "(blank)" for an empty one.
+int32_t ShowParsedMsgFormat(ExitControlBlock *cb, const char *format);
+
+// A compression value and, in parentheses, "not available", "none", "any"
+// or the names of its set bits joined by " / "; a newline with endOfLine.
+int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t value,
+                               uint8_t fixedWidth, uint8_t endOfLine);
+
+// The field "Encoding": the value and the names of its integer, decimal and
+// floating-point encodings.
+int32_t ShowParsedEncodingValue(ExitControlBlock *cb, int32_t encoding);
+
+// A variable-length string: its name, its five fields and its value.
+// `structure` is the address of the structure that holds the descriptor (for
+// offset-addressed strings). `string` is null to find the string through the
+// descriptor, ZKCHARV_STRING_UNREADABLE to show no value, or the string's
+// address. A null descriptor shows the name line only.
+int32_t ShowZKCHARV(ExitControlBlock *cb, const char *name, const ZKCHARV *charv,
+                    const void *structure, const void *string);
+
+// The number of bytes of a variable-length string to show: 0 when the
+// descriptor or the structure address is null or all ones, or when no string
+// can be found; else VSBufSize when not 0, else VSLength when not -1, else
+// the length of the null-terminated string with its terminator. `string` as
+// for ShowZKCHARV.
+uint32_t CalculateZkcharvDataLength(const ZKCHARV *charv, const void *string,
+                                    const void *structure);
+
+// The address of the string as ShowZKCHARV reads it, or null when there is
+// none: a given address as it is, else VSPtr, else the structure address plus
+// VSOffset (neither when both are 0).
+const void *ZkcharvStringAddress(const ZKCHARV *charv, const void *string, const void *structure);
+
+// ---------------------------------------------------------------------------
+// Byte order of integers taken from foreign-encoded structures.
+
+// The value in host order: its four bytes reversed when the encoding is not 0
+// and does not say "integer reversed" (bit value 2), else unchanged.
+int32_t ZklongValueRegardingEncoding(int32_t value, int32_t encoding);
+
+// The same for a 64-bit value given as its low and high word: all eight bytes
+// reversed (the top byte of the high word becomes the lowest of the result).
+int64_t ZkInt64ValueRegardingEncoding(uint32_t low, uint32_t high, int32_t encoding);
+
+// The encoding of a structure that carries no Encoding field of its own,
+// decided from its 4-byte identifier and the Version field that follows it:
+// a non-zero first Version byte means little-endian (host) order and gives
+// ZK_ENCODING_INTEGER_REVERSED, otherwise ZK_ENCODING_INTEGER_NORMAL.
+int32_t ZkStructureEncoding(const void *structure);
+
+// ---------------------------------------------------------------------------
+// Text runs and numbers.
+
+// Writes `length` bytes of text (ending early at a zero byte) as lines of
+// "|> ", `indentation` blanks and the text, each line at most
+// MaxParsedOutputLineLength characters (but holding at least 16 characters
+// of text), bytes outside 7-bit printable ASCII shown as ".". Nothing is
+// written for an empty text.
+int32_t ShowTextStringDataRegardingMaximumLrecl(ExitControlBlock *cb, const void *text,
+                                                int32_t length, int32_t indentation);
+
+// The value in decimal with thousands separators, no newline: "," between
+// groups, or "." when the locale's decimal point is ",".
 int32_t ReformatAndShowNumericValue(ExitControlBlock *cb, uint64_t value);
+
+// The group separator ReformatAndShowNumericValue uses in the current locale.
+char NumericGroupSeparator(void);
+
+// Writes the value's digits with `separator` before every group of three that
+// has digits in front of it into `area` (at least 28 bytes), NUL-terminated;
+// returns the length.
+int32_t FormatNumericWithSeparators(char *area, uint64_t value, char separator);

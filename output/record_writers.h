@@ -33,13 +33,18 @@ void PutHexData(ExitControlBlock *cb, const char *title, const void *address, in
                 int32_t mode);
 
 // The same, dumping `dumpLength` bytes while the title shows `shownLength`.
-void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
-                   int32_t dumpLength, int32_t mode, int32_t shownLength);
+void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address, int32_t dumpLength,
+                   int32_t mode, int32_t shownLength);
 
 // Dumps the text of a variable-length string; `base` is the address of the
 // structure that holds the descriptor, for offset-addressed text.
 void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
                      const void *base);
 
+// High and low hex digit ("0"-"9", "A"-"F") of every byte value.
 extern const char GraphicHexUpper4Bits[256];
 extern const char GraphicHexLower4Bits[256];
+
+// Writes `length` bytes as 2 x `length` upper-case hex digits, high digit
+// first, and a NUL; returns the address of the NUL.
+char *FormatHexBytes(char *out, const void *bytes, int32_t length);

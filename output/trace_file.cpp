@@ -1,5 +1,347 @@
+// Trace files: accepting the texts of the record writers, switching to a
+// new file when the current one is full, and closing a file with its notes,
+// its final extension and its compression.
+//
+// Large-file interfaces: trace files of a 32-bit process may grow beyond
+// 2 GB when a closed file is taken up again.
+#define _FILE_OFFSET_BITS 64
+
 #include "output/trace_file.h"
 
-int32_t SetDataToWriteBuffer(ExitControlBlock *, const char *) { return 0; }
+#include <errno.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
 
-void CloseAndCompressFile(ExitControlBlock *, const char *) {}
+#include "exit/alerts.h"
+#include "exit/control_block.h"
+#include "output/profile.h"
+#include "output/summary.h"
+
+namespace {
+
+constexpr int32_t kPathSize = 640;
+constexpr int32_t kCommandSize = 4096;
+
+const char kNoteDashLine[] = "|----------------------------------------------------------\n";
+const char kStarLine[] = "|*****************************************************************\n";
+
+uint32_t CurrentThreadId() {
+  return (uint32_t)(uintptr_t)pthread_self();
+}
+
+void WriteLines(ExitControlBlock *cb, const char *const *lines, size_t count) {
+  for (size_t i = 0; i < count; i++) {
+    WriteTraceData(cb, lines[i]);
+  }
+}
+
+// Opens cb->TraceFilePath: a stream in append mode, or a descriptor on the
+// existing file, else a new file created exclusively with mode 0660.
+int32_t OpenTraceFile(ExitControlBlock *cb) {
+  if (cb->Settings.WriteStream == 1) {
+    // "e": the descriptor is not inherited by programs the process runs.
+    FILE *stream = fopen(cb->TraceFilePath, "ae");
+    if (stream == nullptr) {
+      PutMessage(cb, 1001, -1, cb->TraceFilePath, "fopen");
+      return -1;
+    }
+    cb->FileStream = stream;
+    return 0;
+  }
+  int descriptor = open(cb->TraceFilePath, O_RDWR | O_APPEND | O_CLOEXEC);
+  if (descriptor < 0) {
+    descriptor = open(cb->TraceFilePath, O_RDWR | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+  }
+  if (descriptor < 0) {
+    PutMessage(cb, 1001, -1, cb->TraceFilePath, "open");
+    return -1;
+  }
+  if (descriptor == 0) {
+    // 0 stands for "no file" in the block; an application that closed its
+    // standard input would hand us descriptor 0, so move it up.
+    int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, 3);
+    close(descriptor);
+    if (moved < 0) {
+      PutMessage(cb, 1001, -1, cb->TraceFilePath, "open");
+      return -1;
+    }
+    descriptor = moved;
+  }
+  cb->FileDescriptor = descriptor;
+  return 0;
+}
+
+void CloseTraceFile(ExitControlBlock *cb) {
+  if (cb->FileStream != nullptr) {
+    fclose(cb->FileStream);
+    cb->FileStream = nullptr;
+  }
+  if (cb->FileDescriptor > 0) {
+    close(cb->FileDescriptor);
+  }
+  cb->FileDescriptor = 0;
+}
+
+// Closes the current file and opens the next one with its profile and the
+// summary so far.
+int32_t SwitchTraceFile(ExitControlBlock *cb) {
+  CloseAndCompressFile(cb, nullptr);
+  cb->ThreadChanged = 0;
+  int64_t reopenedSize = 0;
+  if (GenerateNewFileName(cb, &reopenedSize) != 0) {
+    cb->FatalError = 1;
+    return -1;
+  }
+  if (OpenTraceFile(cb) != 0) {
+    cb->FatalError = 1;
+    return -1;
+  }
+  cb->WriteBufferFill = 0;
+  // The first write interval runs from the opening of the file.
+  cb->LastFlushTime = time(nullptr);
+  cb->RecordedProcessId = (int32_t)getpid();
+  cb->RecordedThreadId = CurrentThreadId();
+  // The profile banner of a reopened file sets this too; the closing note
+  // depends on it, so it is set where the reopening happened.
+  if (reopenedSize > 0) {
+    cb->FileReopened = 1;
+  }
+  PutProcessProfileRecords(cb, reopenedSize);
+  if (cb->Settings.ShowPerformanceOnly == 1) {
+    cb->Settings.ShowSummaryOnly = 1;
+  }
+  PutSummaryRecord(cb);
+  cb->NewFileOpened = 1;
+  return 0;
+}
+
+void ResetFileCounters(ExitControlBlock *cb) {
+  cb->CurrentFileSize = 0;
+  cb->WriteBufferFill = 0;
+  if (cb->WriteBufferSize > 0) {
+    cb->WriteBuffer[0] = '\0';
+  }
+}
+
+void WriteUnknownAttributeBlock(ExitControlBlock *cb) {
+  char contact[200];
+  snprintf(contact, sizeof contact, "|**   report to %s with this trace data.\n", cb->MakerContact);
+  const char *const lines[] = {
+      "\n",
+      kStarLine,
+      kStarLine,
+      "|**\n",
+      "|**   Unknown ZK attribute exists.\n",
+      "|**   Please check ZK attribute settings in your program or\n",
+      contact,
+      "|**   (New attributes might have been supported by Tarnvelde ZK.)\n",
+      "|**\n",
+      kStarLine,
+      kStarLine,
+      "\n",
+  };
+  WriteLines(cb, lines, sizeof lines / sizeof lines[0]);
+}
+
+void WriteThreadChangedBlock(ExitControlBlock *cb) {
+  char extension[100];
+  snprintf(extension, sizeof extension,
+           "|**   File extension '%s' is not set after closing this file.\n", ".txt");
+  const char *const lines[] = {
+      "|\n",     kStarLine, "|**   Thread id has been changed after opening trace file.\n",
+      extension, kStarLine, "|\n",
+  };
+  WriteLines(cb, lines, sizeof lines / sizeof lines[0]);
+}
+
+void WriteReopenedBlock(ExitControlBlock *cb) {
+  const char *const lines[] = {
+      "|\n",
+      kStarLine,
+      "|**   This trace file was reopened.\n",
+      "|**   Multiple sets of call summary data might exist in the file.\n",
+      kStarLine,
+      "|\n",
+  };
+  WriteLines(cb, lines, sizeof lines / sizeof lines[0]);
+}
+
+// Renames the closed file once more with a further ".txt" and starts the
+// compress command on it in the background. 0, or -1 when the rename failed.
+int32_t CompressClosedFile(ExitControlBlock *cb, const char *closedPath) {
+  char compressPath[kPathSize];
+  snprintf(compressPath, sizeof compressPath, "%s.txt", closedPath);
+  if (rename(closedPath, compressPath) != 0) {
+    PutMessage(cb, 1006, -1, closedPath, compressPath);
+    return -1;
+  }
+  char command[kCommandSize];
+  if (BuildCompressCommand(cb->Settings.CompressCommand, compressPath, command, sizeof command) !=
+      0) {
+    // A cut command line could lose its " &" or name a wrong file: not run.
+    PutMessage(cb, 1002, E2BIG, command);
+    return 0;
+  }
+  FILE *pipe = popen(command, "w");
+  if (pipe == nullptr) {
+    PutMessage(cb, 1002, -1, command);
+    return 0;
+  }
+  // The shell returns as soon as the command is in the background.
+  pclose(pipe);
+  return 0;
+}
+
+} // namespace
+
+int32_t TraceFileIsOpen(const ExitControlBlock *cb) {
+  return (cb->FileStream != nullptr || cb->FileDescriptor > 0) ? 1 : 0;
+}
+
+void NoteProcessOrThreadChange(ExitControlBlock *cb) {
+  uint32_t processId = (uint32_t)getpid();
+  uint32_t threadId = CurrentThreadId();
+  if (cb->RecordedProcessId == 0 && cb->RecordedThreadId == 0) {
+    cb->RecordedProcessId = (int32_t)processId;
+    cb->RecordedThreadId = threadId;
+    return;
+  }
+  uint32_t recordedProcessId = (uint32_t)cb->RecordedProcessId;
+  uint32_t recordedThreadId = cb->RecordedThreadId;
+  if (processId == recordedProcessId && threadId == recordedThreadId) {
+    return;
+  }
+  if (cb->SuppressProcessChangeNotes == 0) {
+    char line[120];
+    WriteTraceData(cb, "|\n");
+    WriteTraceData(cb, kNoteDashLine);
+    if (processId != recordedProcessId) {
+      snprintf(line, sizeof line, "|  Process id (real) has been changed from %u to %u.\n",
+               (unsigned)recordedProcessId, (unsigned)processId);
+      WriteTraceData(cb, line);
+    }
+    if (threadId != recordedThreadId) {
+      snprintf(line, sizeof line, "|  Thread id (real) has been changed from %u to %u.\n",
+               (unsigned)recordedThreadId, (unsigned)threadId);
+      WriteTraceData(cb, line);
+    }
+    WriteTraceData(cb, kNoteDashLine);
+    WriteTraceData(cb, "|\n");
+  }
+  cb->RecordedProcessId = (int32_t)processId;
+  cb->RecordedThreadId = threadId;
+  // The block's own identifiers follow, so that messages name the writer.
+  cb->ProcessId = (int32_t)processId;
+  cb->ThreadId = threadId;
+  cb->ThreadChanged = 1;
+}
+
+int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text) {
+  if (cb == nullptr) {
+    return -1;
+  }
+  if (cb->FatalError != 0) {
+    return -1; // writing stopped for good at the failure
+  }
+  if (text == nullptr) {
+    text = "";
+  }
+  NoteProcessOrThreadChange(cb);
+  int64_t length = (int64_t)strlen(text);
+  if (cb->RotationPermitted != 0 && cb->Settings.MaxFileSize > 0 &&
+      cb->Settings.MaxFileSize < cb->CurrentFileSize + length) {
+    if (SwitchTraceFile(cb) != 0) {
+      return -1;
+    }
+  }
+  if (length == 0) {
+    return 0;
+  }
+  return WriteTraceData(cb, text);
+}
+
+void CloseAndCompressFile(ExitControlBlock *cb, const char *suffix) {
+  if (cb == nullptr) {
+    return;
+  }
+  if (TraceFileIsOpen(cb) == 0) {
+    ResetFileCounters(cb);
+    return;
+  }
+  if (cb->WriteBufferFill > 0) {
+    FlushTraceDataInBuffer(cb);
+  }
+  PutSummaryRecord(cb);
+  if (cb->UnknownAttributeSeen != 0) {
+    WriteUnknownAttributeBlock(cb);
+    cb->UnknownAttributeSeen = 0;
+  }
+  NoteProcessOrThreadChange(cb);
+  if (cb->ThreadChanged != 0) {
+    WriteThreadChangedBlock(cb);
+  }
+  if (cb->FileReopened != 0) {
+    WriteReopenedBlock(cb);
+    cb->FileReopened = 0;
+  }
+  FlushTraceDataInBuffer(cb);
+  CloseTraceFile(cb);
+
+  // A file another process or thread wrote to keeps ".t" and is left alone.
+  if (cb->ThreadChanged == 0) {
+    char closedPath[kPathSize];
+    snprintf(closedPath, sizeof closedPath, "%s", cb->TraceFilePath);
+    size_t length = strlen(closedPath);
+    if (length > 2 && strcmp(closedPath + length - 2, ".t") == 0) {
+      closedPath[length - 2] = '\0';
+      length -= 2;
+    }
+    snprintf(closedPath + length, sizeof closedPath - length, ".txt%s",
+             suffix != nullptr ? suffix : "");
+    if (rename(cb->TraceFilePath, closedPath) != 0) {
+      return;
+    }
+    if (cb->Settings.CompressCommand[0] != '\0' &&
+        cb->CurrentFileSize >= (int64_t)cb->Settings.CompressFileSizeThreshold) {
+      if (CompressClosedFile(cb, closedPath) != 0) {
+        return;
+      }
+    }
+  }
+  ResetFileCounters(cb);
+}
+
+int32_t BuildCompressCommand(const char *command, const char *path, char *out, int32_t size) {
+  if (size <= 0) {
+    return -1;
+  }
+  int32_t used = 0;
+  size_t pathLength = strlen(path);
+  for (const char *c = command;; c++) {
+    const char *piece = c;
+    size_t pieceLength = 1;
+    if (*c == '\0') {
+      piece = " &";
+      pieceLength = 2;
+    } else if (*c == '$') {
+      piece = path;
+      pieceLength = pathLength;
+    }
+    if ((size_t)used + pieceLength >= (size_t)size) {
+      out[used] = '\0';
+      return -1;
+    }
+    memcpy(out + used, piece, pieceLength);
+    used += (int32_t)pieceLength;
+    if (*c == '\0') {
+      break;
+    }
+  }
+  out[used] = '\0';
+  return 0;
+}

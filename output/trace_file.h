@@ -34,3 +34,17 @@ int32_t CheckFileExistence(ExitControlBlock *cb, const char *name, int64_t *size
 void TranslateZkObjectNameToFileName(char *text, int32_t length);
 
 extern const unsigned char ZkObjectNameToFileNameTable[256];
+
+// 1 while a trace file is open through a descriptor or a stream, else 0.
+int32_t TraceFileIsOpen(const ExitControlBlock *cb);
+
+// Compares getpid() and pthread_self() with the identifiers recorded for
+// the current file. On a difference writes the change note (unless the
+// block suppresses it), records the new identifiers and sets ThreadChanged.
+// The first call of a block only records them.
+void NoteProcessOrThreadChange(ExitControlBlock *cb);
+
+// Builds the compress command line: `command` with every "$" replaced by
+// `path`, then " &" so that it runs in the background. 0, or -1 when the
+// line does not fit in `size` bytes (`out` then holds as much as fits).
+int32_t BuildCompressCommand(const char *command, const char *path, char *out, int32_t size);

@@ -1,0 +1,140 @@
+#include "exit/dispatch.h"
+
+#include <string.h>
+#include <time.h>
+
+#include "config/update_requests.h"
+#include "exit/control_block.h"
+#include "exit/handle_list.h"
+#include "text/string_utils.h"
+
+const TargetQueueEntry *SearchTargetQueueParmEntry(const ExitControlBlock *cb) {
+  const ParameterSettings &settings = cb->Settings;
+  const char *queue = cb->CurrentQueueName;
+  const TargetQueueEntry *best = nullptr;
+  int32_t bestLength = -1;
+  for (int32_t i = 0; i < settings.TargetQueueCount; i++) {
+    const TargetQueueEntry &entry = settings.TargetQueue[i];
+    if (strcmp(entry.QueueName, queue) == 0) {
+      return &entry;
+    }
+    int32_t length = (int32_t)strlen(entry.QueueName);
+    if (length == 0 || entry.QueueName[length - 1] != '*') {
+      continue;
+    }
+    int32_t prefix = length - 1;
+    // The longest prefix wins; of equal ones, the later entry.
+    if (bestLength <= prefix && strncmp(entry.QueueName, queue, (size_t)prefix) == 0) {
+      best = &entry;
+      bestLength = prefix;
+    }
+  }
+  return best;
+}
+
+void PreProcessOpenBefore(ExitControlBlock *cb, const char *objectName48) {
+  memset(cb->CurrentQueueName, 0, sizeof cb->CurrentQueueName);
+  if (objectName48 != nullptr) {
+    memcpy(cb->CurrentQueueName, objectName48, strnlen(objectName48, 48));
+  }
+  StringTrim(cb->CurrentQueueName);
+  if (cb->Settings.TargetQueueCount == 0) {
+    cb->QueueSelected = 1;
+    queueHandleListAddEntry(cb, cb->CurrentQueueName, 1, 1, 1, 1, 1, 1);
+    return;
+  }
+  const TargetQueueEntry *entry = SearchTargetQueueParmEntry(cb);
+  if (entry != nullptr) {
+    cb->QueueSelected = 1;
+    queueHandleListAddEntry(cb, cb->CurrentQueueName, 1, 1, entry->P, entry->G, entry->I, entry->S);
+  } else {
+    cb->QueueSelected = 0;
+    queueHandleListAddEntry(cb, cb->CurrentQueueName, 0, 0, 0, 0, 0, 0);
+  }
+}
+
+void PreProcessManageHandle(ExitControlBlock *cb, int32_t function, const ZKHOBJ *pHobj) {
+  int32_t handle = pHobj != nullptr ? *pHobj : 0;
+  int32_t index = queueHandleListSearchEntryByHandle(cb, handle, 1);
+  if (index < 0) {
+    cb->QueueSelected = 0;
+    strcpy(cb->CurrentQueueName, "(unknown)");
+  } else {
+    const QueueHandleEntry &entry = cb->HandleList[index];
+    switch (function) {
+    case ZKXF_CLOSE:
+      cb->QueueSelected = entry.CloseFlag;
+      break;
+    case ZKXF_PUT:
+      cb->QueueSelected = entry.PutFlag;
+      break;
+    case ZKXF_GET:
+      cb->QueueSelected = entry.GetFlag;
+      break;
+    case ZKXF_INQ:
+      cb->QueueSelected = entry.InqFlag;
+      break;
+    case ZKXF_SET:
+      cb->QueueSelected = entry.SetFlag;
+      break;
+    default: // ZKCB keeps what the previous call decided
+      break;
+    }
+    // The entry goes before the close runs: a failed close loses it too.
+    if (function == ZKXF_CLOSE) {
+      queueHandleListDeleteEntry(cb, index);
+    }
+  }
+  if (cb->Settings.TargetQueueCount == 0) {
+    cb->QueueSelected = 1;
+  }
+}
+
+int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZKLONG *pCompCode,
+                                const ZKLONG *, const ZKHOBJ *pHobj, const char *objectName48) {
+  int32_t function = axp->Function;
+  int32_t exitReason = axp->ExitReason;
+  cb->CurrentFunction = function;
+  cb->CurrentExitReason = exitReason;
+  cb->CurrentCompCode = pCompCode != nullptr ? *pCompCode : 0;
+
+  if (exitReason == ZKXR_BEFORE) {
+    if (function != ZKXF_DATA_CONV_ON_GET) {
+      memset(cb->CurrentQueueName, 0, sizeof cb->CurrentQueueName);
+      memset(cb->ResolvedQueueName, 0, sizeof cb->ResolvedQueueName);
+    }
+    switch (function) {
+    case ZKXF_OPEN:
+      PreProcessOpenBefore(cb, objectName48);
+      break;
+    case ZKXF_CLOSE:
+    case ZKXF_PUT:
+    case ZKXF_GET:
+    case ZKXF_INQ:
+    case ZKXF_SET:
+    case ZKXF_CB:
+      PreProcessManageHandle(cb, function, pHobj);
+      break;
+    default:
+      break;
+    }
+  }
+  if (cb->FatalError) {
+    return RC_NOP;
+  }
+  if (exitReason == ZKXR_AFTER || function == ZKXF_DATA_CONV_ON_GET) {
+    return cb->ExecStatus == 1 ? RC_OK : RC_NOP;
+  }
+  int32_t interval = cb->Settings.CheckUpdateRequestInterval;
+  if (interval > 0) {
+    time_t now = time(nullptr);
+    if (cb->LastUpdateCheck + interval <= now) {
+      SeekUpdateRequestFiles(axp->ExitData, cb);
+      cb->LastUpdateCheck = now;
+    }
+  }
+  if (cb->FatalError) {
+    return RC_NOP;
+  }
+  return cb->ExecStatus == 1 ? RC_OK : RC_NOP;
+}

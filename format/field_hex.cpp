@@ -1,0 +1,135 @@
+// Byte fields: one line of hex digits and character image for short fields,
+// the prefixed hex dump for long ones, and message handles.
+#include "exit/control_block.h"
+#include "format/field_primitives.h"
+#include "output/record_writers.h"
+
+namespace {
+
+bool AllZero(const unsigned char *bytes, int32_t length) {
+  for (int32_t i = 0; i < length; i++) {
+    if (bytes[i] != 0) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Writes the character image of the bytes: every byte sequence that forms
+// one character of the connection's code page as itself, every other byte
+// as ".". Bytes gather into a pending sequence while a pattern of the
+// code-range map accepts them (the first pattern that allows every pending
+// byte and the new one at their positions); when that pattern ends after
+// the new byte the sequence is a character. A byte that no pattern accepts
+// turns the pending bytes and itself into dots, and so do bytes still
+// pending at the end.
+void AppendCharacterImage(TraceLine *line, const CodeRangeMap *map, const unsigned char *bytes,
+                          int32_t length) {
+  unsigned char pending[CODE_RANGE_POSITIONS];
+  int32_t pendingCount = 0;
+  for (int32_t i = 0; i < length; i++) {
+    unsigned char byte = bytes[i];
+    int32_t accepted = -1;
+    if (pendingCount < CODE_RANGE_POSITIONS) {
+      for (int32_t p = 0; p <= CODE_RANGE_MAX_PATTERNS; p++) {
+        const uint8_t(*pattern)[256] = map->cell[p];
+        if (pattern[0][0] == CODE_RANGE_END) {
+          break;
+        }
+        if (pattern[pendingCount][byte] != CODE_RANGE_ALLOWED) {
+          continue;
+        }
+        int32_t k = 0;
+        while (k < pendingCount && pattern[k][pending[k]] == CODE_RANGE_ALLOWED) {
+          k++;
+        }
+        if (k == pendingCount) {
+          accepted = p;
+          break;
+        }
+      }
+    }
+    if (accepted < 0) {
+      TraceLineAppendRepeat(line, '.', pendingCount + 1);
+      pendingCount = 0;
+      continue;
+    }
+    pending[pendingCount++] = byte;
+    if (pendingCount == CODE_RANGE_POSITIONS ||
+        map->cell[accepted][pendingCount][0] == CODE_RANGE_END) {
+      TraceLineAppend(line, (const char *)pending, pendingCount);
+      pendingCount = 0;
+    }
+  }
+  TraceLineAppendRepeat(line, '.', pendingCount);
+}
+
+} // namespace
+
+int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, const void *bytes,
+                                     int32_t length, uint8_t nullCheck, uint8_t hex,
+                                     uint8_t endOfLine) {
+  const unsigned char *data = (const unsigned char *)bytes;
+  if (data == nullptr || length < 0) {
+    length = 0;
+  }
+  TraceLine line;
+  TraceLineStart(&line, cb);
+  if (FieldHasName(name)) {
+    TraceLineAppendFieldName(&line, name);
+  }
+  if (nullCheck != 0 && (length < 1 || AllZero(data, length))) {
+    TraceLineAppend(&line, "(null)\n", 7);
+    return TraceLineWrite(&line);
+  }
+  if (hex != 0) {
+    for (int32_t i = 0; i < length; i++) {
+      if (i > 0 && (i & 3) == 0) {
+        TraceLineAppendChar(&line, ' ');
+      }
+      TraceLineAppend(&line, FieldHexPair(data[i]), 2);
+    }
+    TraceLineAppend(&line, "  ", 2);
+  }
+  TraceLineAppendChar(&line, '[');
+  AppendCharacterImage(&line, &cb->CodeRange, data, length);
+  TraceLineAppendChar(&line, ']');
+  if (endOfLine != 0) {
+    TraceLineAppendChar(&line, '\n');
+  }
+  return TraceLineWrite(&line);
+}
+
+int32_t ShowParsedHexValueMultipleLines(ExitControlBlock *cb, const char *name, const void *bytes,
+                                        int32_t length, uint8_t nullCheck) {
+  const unsigned char *data = (const unsigned char *)bytes;
+  if (data == nullptr || length < 0) {
+    length = 0;
+  }
+  TraceLine line;
+  TraceLineStart(&line, cb);
+  if (FieldHasName(name)) {
+    TraceLineAppendFieldName(&line, name);
+  }
+  if (nullCheck != 0 && (length < 1 || AllZero(data, length))) {
+    TraceLineAppend(&line, "(null)\n", 7);
+    return TraceLineWrite(&line);
+  }
+  TraceLineAppendChar(&line, '\n');
+  int32_t rc = TraceLineWrite(&line);
+  // No title: the field line above names the bytes.
+  PutHexData(cb, "", data, length, HEX_MODE_PREFIXED);
+  return rc;
+}
+
+int32_t ShowParsedHexValueFormatSelect(ExitControlBlock *cb, const char *name, const void *bytes,
+                                       int32_t length) {
+  if (length < FIELD_SINGLE_LINE_HEX_LIMIT) {
+    return ShowParsedHexValueSingleLine(cb, name, bytes, length, 1, 1, 1);
+  }
+  return ShowParsedHexValueMultipleLines(cb, name, bytes, length, 1);
+}
+
+int32_t ShowZKHMSG(ExitControlBlock *cb, const char *name, ZKHMSG handle) {
+  return ShowParsedHexValueSingleLine(cb, name, &handle, (int32_t)sizeof handle, 1, 1, 1);
+}

@@ -1,0 +1,175 @@
+#include "handlers/handler_shape.h"
+
+#include <string.h>
+
+#include "exit/counting.h"
+#include "exit/dispatch.h"
+#include "output/record_writers.h"
+#include "output/summary.h"
+#include "output/trace_file.h"
+
+namespace {
+
+// The function's two counter records (cumulative and split), or nulls.
+void StatisticsOf(ExitControlBlock *cb, int32_t function, CallCounterRecord **first,
+                  CallCounterRecord **second) {
+  int32_t index = StatisticsIndexOfFunction(function);
+  *first = index >= 0 ? &cb->Statistics[index][COUNTER_CUMULATIVE] : nullptr;
+  *second = index >= 0 ? &cb->Statistics[index][COUNTER_SPLIT] : nullptr;
+}
+
+const ZKLONG kZero = 0;
+
+const ZKLONG *OrZero(const ZKLONG *p) {
+  return p != nullptr ? p : &kZero;
+}
+
+} // namespace
+
+ExitControlBlock *HandlerControlBlock(const ZKAXP *axp) {
+  if (axp == nullptr) {
+    return nullptr;
+  }
+  ExitControlBlock *cb = ControlBlockOf(axp);
+  if (cb == nullptr || memcmp(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, 7) != 0) {
+    return nullptr;
+  }
+  return cb;
+}
+
+// Pre-processing, the call's own selection step and the queue step.
+static int32_t PreProcess(HandlerCall *call) {
+  ExitControlBlock *cb = call->Cb = HandlerControlBlock(call->Axp);
+  if (cb == nullptr || PreProcessForAnExitCall(call->Axp, cb, call->CompCode, call->Reason,
+                                               call->Hobj, call->ObjectName) != RC_OK) {
+    return RC_NOP;
+  }
+  if (call->AfterPreProcess != nullptr) {
+    call->AfterPreProcess(call);
+  }
+  return RC_OK;
+}
+
+int32_t HandlerBefore(HandlerCall *call) {
+  if (PreProcess(call) != RC_OK) {
+    return RC_NOP;
+  }
+  ExitControlBlock *cb = call->Cb;
+  bool dataConversion = call->Axp->Function == ZKXF_DATA_CONV_ON_GET;
+  if (dataConversion && cb->Settings.ShowDataConvOnGet != 1) {
+    return RC_NOP;
+  }
+  if (call->QueueCall && cb->QueueSelected != 1) {
+    return RC_NOP;
+  }
+  if (cb->Settings.ShowSummaryOnly == 1) {
+    // The data-conversion point takes no time: the get's before-call did.
+    if (dataConversion) {
+      return RC_NOP;
+    }
+    setTimeBeforeApiCall(cb);
+    return HANDLER_SUMMARY_ONLY;
+  }
+  PutHeaderRecord(cb, call->Axp->Function, call->Axp->ExitReason, *OrZero(call->CompCode),
+                  *OrZero(call->Reason), nullptr, nullptr);
+  return RC_OK;
+}
+
+void HandlerBeforeEnd(HandlerCall *call) {
+  if (call->Cb->Settings.WriteAfterEachApi == 1) {
+    FlushTraceDataInBuffer(call->Cb);
+  }
+}
+
+int32_t HandlerAfter(HandlerCall *call) {
+  if (PreProcess(call) != RC_OK) {
+    return RC_NOP;
+  }
+  ExitControlBlock *cb = call->Cb;
+  int32_t function = call->Axp->Function;
+  CallCounterRecord *first, *second;
+  StatisticsOf(cb, function, &first, &second);
+  if (call->QueueCall && cb->QueueSelected != 1) {
+    if (cb->Settings.CountSelectedCallsOnly != 1) {
+      IncrementResultCount(cb, function, OrZero(call->CompCode), OrZero(call->Reason), first,
+                           second, 0, 0, 0, 0);
+    }
+    return RC_NOP;
+  }
+  if (cb->Settings.ShowSummaryOnly == 1) {
+    PutSimpleRecord(cb, *OrZero(call->CompCode), *OrZero(call->Reason), first, second, call->Md,
+                    call->MsgLength);
+    ShowPerformanceSummary(cb);
+    return RC_NOP;
+  }
+  PutHeaderRecord(cb, function, call->Axp->ExitReason, *OrZero(call->CompCode),
+                  *OrZero(call->Reason), first, second);
+  return RC_OK;
+}
+
+void HandlerAfterEnd(HandlerCall *call) {
+  ShowPerformanceSummary(call->Cb);
+  if (call->Cb->Settings.WriteAfterEachApi == 1) {
+    FlushTraceDataInBuffer(call->Cb);
+  }
+}
+
+void TraceCallBefore(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason) {
+  HandlerCall call = {axp, pCompCode, pReason};
+  if (HandlerBefore(&call) == RC_OK) {
+    HandlerBeforeEnd(&call);
+  }
+}
+
+void TraceCallAfter(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason) {
+  HandlerCall call = {axp, pCompCode, pReason};
+  if (HandlerAfter(&call) == RC_OK) {
+    HandlerAfterEnd(&call);
+  }
+}
+
+int32_t XaHandlerBefore(HandlerCall *call) {
+  ExitControlBlock *cb = call->Cb = HandlerControlBlock(call->Axp);
+  if (cb == nullptr || cb->FatalError) {
+    return RC_NOP;
+  }
+  if (cb->Settings.ShowSummaryOnly == 1) {
+    SetTimeBeforeApiCallXa(cb);
+    return RC_NOP;
+  }
+  PutHeaderRecord(cb, call->Axp->Function, call->Axp->ExitReason, 0, 0, nullptr, nullptr);
+  return RC_OK;
+}
+
+int32_t XaHandlerAfter(HandlerCall *call) {
+  ExitControlBlock *cb = call->Cb = HandlerControlBlock(call->Axp);
+  if (cb == nullptr || cb->FatalError) {
+    return RC_NOP;
+  }
+  int32_t function = call->Axp->Function;
+  CallCounterRecord *first, *second;
+  StatisticsOf(cb, function, &first, &second);
+  // The one XA return code stands for both the completion code and the reason.
+  ZKLONG code = *OrZero(call->CompCode);
+  if (cb->Settings.ShowSummaryOnly == 1) {
+    PutSimpleRecord(cb, code, code, first, second, nullptr, -1);
+    ShowPerformanceSummary(cb);
+    return RC_NOP;
+  }
+  PutHeaderRecord(cb, function, call->Axp->ExitReason, code, code, first, second);
+  return RC_OK;
+}
+
+void TraceXaCallBefore(PZKAXP axp) {
+  HandlerCall call = {axp};
+  if (XaHandlerBefore(&call) == RC_OK) {
+    HandlerBeforeEnd(&call);
+  }
+}
+
+void TraceXaCallAfter(PZKAXP axp, const ZKLONG *pXaRetCode) {
+  HandlerCall call = {axp, pXaRetCode, pXaRetCode};
+  if (XaHandlerAfter(&call) == RC_OK) {
+    HandlerAfterEnd(&call);
+  }
+}

@@ -1,0 +1,55 @@
+// The shape every ZKI handler shares. A before-handler is
+//
+//   HandlerCall call = {axp, pCompCode, pReason};   (+ Hobj, ObjectName, QueueCall)
+//   if (HandlerBefore(&call) == RC_OK) {
+//     ... the call's own lines ...
+//     HandlerBeforeEnd(&call);
+//   }
+//
+// and an after-handler the same with HandlerAfter / HandlerAfterEnd. The
+// transaction-manager handlers use the Xa variants, which skip the
+// dispatcher's pre-processing.
+#pragma once
+
+#include <stdint.h>
+
+#include "exit/control_block.h"
+#include "zk/zk.h"
+
+struct HandlerCall {
+  PZKAXP Axp;
+  const ZKLONG *CompCode;
+  const ZKLONG *Reason;
+  const ZKHOBJ *Hobj;     // calls that carry an object handle
+  const char *ObjectName; // ZKOPEN: the name to match against TargetQueue
+  uint8_t QueueCall;      // the call is written only when its queue is selected
+  const ZKMD *Md;         // summary-only record: the message descriptor, or null
+  int32_t MsgLength;      // summary-only record: the message length, or -1
+  // Runs right after pre-processing, before the queue step: calls that
+  // decide their names or selection themselves (ZKPUT1, ZKCB, the callback).
+  void (*AfterPreProcess)(HandlerCall *call);
+  const void *Data;     // what AfterPreProcess needs (a structure of the call)
+  ExitControlBlock *Cb; // set by HandlerBefore/HandlerAfter
+};
+
+// HandlerBefore's answer when summary-only mode took the before-time.
+#define HANDLER_SUMMARY_ONLY 1
+
+// The connection's control block, or null when the chain area is not ours.
+ExitControlBlock *HandlerControlBlock(const ZKAXP *axp);
+
+// RC_OK when the call's own lines are to be written now.
+int32_t HandlerBefore(HandlerCall *call);
+void HandlerBeforeEnd(HandlerCall *call);
+int32_t HandlerAfter(HandlerCall *call);
+void HandlerAfterEnd(HandlerCall *call);
+
+// A call written with its header record only.
+void TraceCallBefore(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason);
+void TraceCallAfter(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason);
+
+// Transaction-manager calls: no pre-processing, their own time slot.
+int32_t XaHandlerBefore(HandlerCall *call);
+int32_t XaHandlerAfter(HandlerCall *call);
+void TraceXaCallBefore(PZKAXP axp);
+void TraceXaCallAfter(PZKAXP axp, const ZKLONG *pXaRetCode);

@@ -1,0 +1,274 @@
+// Hex-and-character dumps of storage: 16 bytes per line, the offset, the
+// bytes in hex and, when wanted, the bytes as characters of the code page
+// the connection shows data in. Repeated lines collapse into one note.
+//
+// Dumps run for every structure and every message a traced call passes, so
+// the lines are built into a stack buffer with table look-ups and handed to
+// WriteTraceData a few dozen lines at a time.
+#include "output/record_writers.h"
+
+#include <stdio.h>
+#include <string.h>
+
+#include "exit/control_block.h"
+#include "format/field_primitives.h"
+#include "output/trace_file.h"
+
+#define HEX_SAME16(c) c, c, c, c, c, c, c, c, c, c, c, c, c, c, c, c
+#define HEX_DIGITS16 '0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'
+
+const char GraphicHexUpper4Bits[256] = {
+    HEX_SAME16('0'), HEX_SAME16('1'), HEX_SAME16('2'), HEX_SAME16('3'),
+    HEX_SAME16('4'), HEX_SAME16('5'), HEX_SAME16('6'), HEX_SAME16('7'),
+    HEX_SAME16('8'), HEX_SAME16('9'), HEX_SAME16('A'), HEX_SAME16('B'),
+    HEX_SAME16('C'), HEX_SAME16('D'), HEX_SAME16('E'), HEX_SAME16('F'),
+};
+
+const char GraphicHexLower4Bits[256] = {
+    HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16,
+    HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16,
+    HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16, HEX_DIGITS16,
+};
+
+#undef HEX_SAME16
+#undef HEX_DIGITS16
+
+char *FormatHexBytes(char *out, const void *bytes, int32_t length) {
+  const uint8_t *b = (const uint8_t *)bytes;
+  for (int32_t i = 0; i < length; i++) {
+    *out++ = GraphicHexUpper4Bits[b[i]];
+    *out++ = GraphicHexLower4Bits[b[i]];
+  }
+  *out = '\0';
+  return out;
+}
+
+namespace {
+
+#define DUMP_BYTES_PER_LINE 16
+// What prefixed mode puts before every line: "|> " and four blanks.
+#define DUMP_LINE_PREFIX "|>     "
+#define DUMP_LINE_PREFIX_LENGTH 7
+// Text gathered before it is handed on; flushed when less than one line of
+// the longest kind (prefix, hex part, a character column that carries a
+// character over from the line before) would still fit.
+#define DUMP_CHUNK_SIZE 2048
+#define DUMP_LONGEST_LINE 128
+// Room for the title line; a longer title is cut.
+#define DUMP_TITLE_SIZE 512
+
+// Eight upper-case hex digits of a 32-bit value.
+char *PutOffset(char *p, uint32_t value) {
+  for (int32_t shift = 24; shift >= 0; shift -= 8) {
+    uint8_t b = (uint8_t)(value >> shift);
+    *p++ = GraphicHexUpper4Bits[b];
+    *p++ = GraphicHexLower4Bits[b];
+  }
+  return p;
+}
+
+// The bytes of a character not yet complete: they are written once the
+// character ends, or as "." when it turns out not to be one.
+struct PendingCharacter {
+  uint8_t bytes[CODE_RANGE_POSITIONS];
+  int32_t count;
+};
+
+char *PutPendingAsDots(char *p, PendingCharacter *pending) {
+  for (int32_t i = 0; i < pending->count; i++) {
+    *p++ = '.';
+  }
+  pending->count = 0;
+  return p;
+}
+
+// Feeds one byte to the character walk and writes what it completes. A byte
+// is taken by the first pattern that allows every pending byte and this one
+// at their positions; a pattern that ends after this position completes the
+// character. A byte that no pattern takes turns the pending bytes and itself
+// into dots.
+char *PutCharacterByte(char *p, const CodeRangeMap *map, PendingCharacter *pending, uint8_t b) {
+  int32_t position = pending->count;
+  for (int32_t r = 0; r <= CODE_RANGE_MAX_PATTERNS; r++) {
+    const uint8_t(*pattern)[256] = map->cell[r];
+    if (pattern[0][0] == CODE_RANGE_END) {
+      break; // end of the list of patterns
+    }
+    if (pattern[position][b] != CODE_RANGE_ALLOWED) {
+      continue;
+    }
+    int32_t i = 0;
+    while (i < position && pattern[i][pending->bytes[i]] == CODE_RANGE_ALLOWED) {
+      i++;
+    }
+    if (i < position) {
+      continue;
+    }
+    if (position + 1 == CODE_RANGE_POSITIONS || pattern[position + 1][0] == CODE_RANGE_END) {
+      for (i = 0; i < position; i++) {
+        *p++ = (char)pending->bytes[i];
+      }
+      *p++ = (char)b;
+      pending->count = 0;
+    } else {
+      pending->bytes[pending->count++] = b;
+    }
+    return p;
+  }
+  p = PutPendingAsDots(p, pending);
+  *p++ = '.';
+  return p;
+}
+
+// One dump line: prefix, offset, hex part padded to its full width and the
+// character column when wanted. The column begins with the bytes of a
+// character carried over from the line before, written where it ends.
+char *PutDumpLine(char *p, const ExitControlBlock *cb, const uint8_t *bytes, int32_t count,
+                  uint32_t offset, bool prefixed, bool characters, bool lastLine, bool carryBroken,
+                  PendingCharacter *pending) {
+  if (prefixed) {
+    memcpy(p, DUMP_LINE_PREFIX, DUMP_LINE_PREFIX_LENGTH);
+    p += DUMP_LINE_PREFIX_LENGTH;
+  }
+  p = PutOffset(p, offset);
+  *p++ = ':';
+  for (int32_t i = 0; i < DUMP_BYTES_PER_LINE; i++) {
+    if (i < count) {
+      *p++ = GraphicHexUpper4Bits[bytes[i]];
+      *p++ = GraphicHexLower4Bits[bytes[i]];
+    } else {
+      *p++ = ' ';
+      *p++ = ' ';
+    }
+    if ((i & 3) == 3) {
+      *p++ = ' ';
+    }
+  }
+  if (!characters) {
+    *p++ = '\n';
+    return p;
+  }
+  *p++ = ' ';
+  *p++ = '[';
+  if (carryBroken) {
+    // A character left open before lines that were left out is not
+    // completed by the bytes after them.
+    p = PutPendingAsDots(p, pending);
+  }
+  for (int32_t i = 0; i < count; i++) {
+    p = PutCharacterByte(p, &cb->CodeRange, pending, bytes[i]);
+  }
+  if (lastLine) {
+    p = PutPendingAsDots(p, pending); // a character the data cuts off
+  }
+  *p++ = pending->count > 0 ? '>' : ']';
+  *p++ = '\n';
+  return p;
+}
+
+char *PutSameAsAbove(char *p, uint32_t first, uint32_t last, bool prefixed) {
+  static const char kSame[] = " same as above\n";
+  if (prefixed) {
+    memcpy(p, DUMP_LINE_PREFIX, DUMP_LINE_PREFIX_LENGTH);
+    p += DUMP_LINE_PREFIX_LENGTH;
+  }
+  p = PutOffset(p, first);
+  *p++ = '-';
+  p = PutOffset(p, last);
+  memcpy(p, kSame, sizeof kSame - 1);
+  return p + sizeof kSame - 1;
+}
+
+} // namespace
+
+void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address, int32_t dumpLength,
+                   int32_t mode, int32_t shownLength) {
+  char chunk[DUMP_CHUNK_SIZE];
+  char *p = chunk;
+
+  if (title != nullptr && title[0] != '\0' && mode == HEX_MODE_PLAIN) {
+    int n;
+    if (cb->NoAddress) {
+      n = snprintf(chunk, DUMP_TITLE_SIZE, "%s:(%u=x%X bytes)\n", title, (unsigned)shownLength,
+                   (unsigned)shownLength);
+    } else {
+      n = snprintf(chunk, DUMP_TITLE_SIZE, "%s:(%u=x%X bytes, Address 0x%08X)\n", title,
+                   (unsigned)shownLength, (unsigned)shownLength, (unsigned)(uintptr_t)address);
+    }
+    if (n > 0) {
+      p += n < DUMP_TITLE_SIZE ? n : DUMP_TITLE_SIZE - 1;
+    }
+  }
+
+  if (address != nullptr && dumpLength > 0) {
+    const uint8_t *bytes = (const uint8_t *)address;
+    bool prefixed = mode == HEX_MODE_PREFIXED;
+    bool characters = cb->Settings.ShowHexCharImage != 0 || prefixed;
+    bool collapse = cb->Settings.Spare == 0;
+    PendingCharacter pending = {};
+    int32_t skippedFrom = -1; // offset of the first line left out, -1: none
+    bool carryBroken = false; // lines were left out since the line before
+
+    for (int32_t offset = 0; offset < dumpLength; offset += DUMP_BYTES_PER_LINE) {
+      int32_t count = dumpLength - offset;
+      bool lastLine = count <= DUMP_BYTES_PER_LINE;
+      if (lastLine == false) {
+        count = DUMP_BYTES_PER_LINE;
+      }
+      if (collapse && offset > 0 && !lastLine &&
+          memcmp(bytes + offset, bytes + offset - DUMP_BYTES_PER_LINE, DUMP_BYTES_PER_LINE) == 0) {
+        if (skippedFrom < 0) {
+          skippedFrom = offset;
+        }
+        continue;
+      }
+      if (p - chunk > DUMP_CHUNK_SIZE - 2 * DUMP_LONGEST_LINE) {
+        *p = '\0';
+        WriteTraceData(cb, chunk);
+        p = chunk;
+      }
+      if (skippedFrom >= 0) {
+        p = PutSameAsAbove(p, (uint32_t)skippedFrom, (uint32_t)offset - 1, prefixed);
+        skippedFrom = -1;
+        carryBroken = true;
+      }
+      p = PutDumpLine(p, cb, bytes + offset, count, (uint32_t)offset, prefixed, characters,
+                      lastLine, carryBroken, &pending);
+      carryBroken = false;
+    }
+  }
+
+  if (p != chunk) {
+    *p = '\0';
+    WriteTraceData(cb, chunk);
+  }
+}
+
+void PutHexData(ExitControlBlock *cb, const char *title, const void *address, int32_t length,
+                int32_t mode) {
+  PutHexDataLen(cb, title, address, length, mode, length);
+}
+
+void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
+                     const void *base) {
+  if (charv == nullptr || (uintptr_t)charv == (uintptr_t)-1) {
+    PutHexDataLen(cb, title, nullptr, 0, HEX_MODE_PLAIN, 0);
+    return;
+  }
+  // The string through the descriptor: its pointer, else its offset from
+  // the holding structure; the length as the parsed display counts it.
+  const void *data = ZkcharvStringAddress(charv, nullptr, base);
+  int32_t length = (int32_t)CalculateZkcharvDataLength(charv, nullptr, base);
+  if (length < 0) {
+    length = 0; // a negative size or length shows no data
+  }
+  int32_t limit = cb->Settings.ShowMaxLenCharv;
+  if (limit >= 0 && length > limit) {
+    PutHexDataLen(cb, title, data, limit, HEX_MODE_PLAIN, length);
+    char note[64];
+    snprintf(note, sizeof note, "  (Shown only leading %u byte(s) ...)\n", (unsigned)limit);
+    WriteTraceData(cb, note);
+    return;
+  }
+  PutHexDataLen(cb, title, data, length, HEX_MODE_PLAIN, length);
+}

@@ -1,0 +1,50 @@
+// Performance intervals: a summary after every so many calls and after every
+// so many seconds, checked once per call by the after-handlers.
+#include <time.h>
+
+#include "exit/control_block.h"
+#include "output/summary.h"
+#include "output/trace_file.h"
+
+namespace {
+
+// A summary at an interval's end may start a new trace file first, as a
+// before-call header may; its own lines then stay in one file.
+void PutIntervalSummary(ExitControlBlock *cb) {
+  cb->RotationPermitted = 1;
+  int32_t rc = SetDataToWriteBuffer(cb, "");
+  cb->RotationPermitted = 0;
+  if (rc != RC_OK) {
+    return;
+  }
+  PutSummaryRecord(cb);
+}
+
+} // namespace
+
+void ShowPerformanceSummary(ExitControlBlock *cb) {
+  const ParameterSettings &settings = cb->Settings;
+  uint8_t written = 0;
+
+  if (settings.ShowPerformanceIntervalCount > 0) {
+    cb->IntervalCallCounter++;
+    if (cb->IntervalCallCounter >= settings.ShowPerformanceIntervalCount) {
+      PutIntervalSummary(cb);
+      cb->IntervalCallCounter = 0;
+      written = 1;
+    }
+  }
+
+  if (settings.ShowPerformanceIntervalTime >= 1) {
+    time_t now = time(nullptr);
+    if (cb->LastIntervalTime == 0) {
+      cb->LastIntervalTime = now;
+    } else if (cb->LastIntervalTime + settings.ShowPerformanceIntervalTime <= now) {
+      // One summary covers both intervals when they end at the same call.
+      if (written == 0) {
+        PutIntervalSummary(cb);
+      }
+      cb->LastIntervalTime = now;
+    }
+  }
+}

@@ -1,0 +1,121 @@
+// The write buffer: small trace texts are collected in the control block's
+// buffer and written in one call when it fills up, when the write interval
+// has passed, or when the file is closed. Large texts, and every text when
+// the cache is off, go straight to the file; in stream mode stdio buffers.
+#include "output/trace_file.h"
+
+#include <errno.h>
+#include <stdio.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "exit/alerts.h"
+#include "exit/control_block.h"
+
+namespace {
+
+// Writes the whole text to the open descriptor; a short or failed write
+// stops the trace.
+int32_t WriteDirect(ExitControlBlock *cb, const char *text, size_t length) {
+  ssize_t written = write(cb->FileDescriptor, text, length);
+  if (written < 0 || (size_t)written < length) {
+    int error = written < 0 ? errno : 0;
+    cb->FatalError = 1;
+    PutMessage(cb, 1001, error, cb->TraceFilePath, "write");
+    return -1;
+  }
+  return 0;
+}
+
+// Makes room for `length` more bytes: flushes when the buffer would fill,
+// else when the write interval has passed since the last flush.
+int32_t FlushBeforeAppending(ExitControlBlock *cb, size_t length) {
+  if (cb->WriteBufferFill <= 0) {
+    return 0;
+  }
+  if ((int64_t)cb->WriteBufferFill + (int64_t)length >= (int64_t)cb->WriteBufferSize) {
+    int32_t result = FlushTraceDataInBuffer(cb);
+    // The next interval is counted from this flush, so a buffer that fills
+    // regularly is not flushed a second time for the interval.
+    if (cb->Settings.WriteInterval != 0) {
+      cb->LastFlushTime = time(nullptr);
+    }
+    return result;
+  }
+  if (cb->Settings.WriteInterval != 0) {
+    time_t now = time(nullptr);
+    if (cb->LastFlushTime + cb->Settings.WriteInterval < now) {
+      int32_t result = FlushTraceDataInBuffer(cb);
+      cb->LastFlushTime = now;
+      return result;
+    }
+  }
+  return 0;
+}
+
+// Counts the text as written and shows the progress mark when it is
+// passed.
+void CountWritten(ExitControlBlock *cb, size_t length) {
+  cb->CurrentFileSize += (int64_t)length;
+  if (cb->ProgressMark > 0 && cb->ProgressMark < cb->CurrentFileSize) {
+    fprintf(stdout, "<%uMB>", (unsigned)(cb->ProgressMark / 1000000));
+    cb->ProgressMark += 10000000;
+  }
+}
+
+} // namespace
+
+int32_t WriteTraceData(ExitControlBlock *cb, const char *text) {
+  if (cb == nullptr || text == nullptr) {
+    return -1;
+  }
+  size_t length = strlen(text);
+  // The handle that is open decides the way of writing, so that a settings
+  // change while a file is open cannot lead to an unopened handle.
+  if (cb->FileStream != nullptr) {
+    if (fputs(text, cb->FileStream) < 0) {
+      cb->FatalError = 1;
+      PutMessage(cb, 1001, -1, cb->TraceFilePath, "fputs");
+      return -1;
+    }
+  } else if (cb->FileDescriptor <= 0) {
+    return -1; // no file is open: the text has nowhere to go
+  } else if (cb->Settings.WriteCache == 1) {
+    if (FlushBeforeAppending(cb, length) != 0) {
+      return -1;
+    }
+    if ((int64_t)length >= (int64_t)cb->WriteBufferSize) {
+      if (WriteDirect(cb, text, length) != 0) {
+        return -1;
+      }
+    } else {
+      // Fill + length < WriteBufferSize here, so the NUL fits as well.
+      memcpy(cb->WriteBuffer + cb->WriteBufferFill, text, length + 1);
+      cb->WriteBufferFill += (int32_t)length;
+    }
+  } else if (WriteDirect(cb, text, length) != 0) {
+    return -1;
+  }
+  CountWritten(cb, length);
+  return 0;
+}
+
+int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {
+  if (cb == nullptr || cb->FileStream != nullptr || cb->WriteBufferFill <= 0) {
+    return 0;
+  }
+  if (cb->FileDescriptor <= 0) {
+    cb->WriteBufferFill = 0;
+    return -1;
+  }
+  ssize_t written = write(cb->FileDescriptor, cb->WriteBuffer, (size_t)cb->WriteBufferFill);
+  cb->WriteBufferFill = 0;
+  // Only a failed call counts: a short write passes, as it always has.
+  if (written < 0) {
+    cb->FatalError = 1;
+    PutMessage(cb, 1001, -1, cb->TraceFilePath, "write");
+    return -1;
+  }
+  return 0;
+}

@@ -1,0 +1,66 @@
+#include "tests/unit/capture.h"
+
+#include <fcntl.h>
+#include <pthread.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+CaptureBlock::CaptureBlock(int32_t bufferSize) {
+  cb_ = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock) + (size_t)bufferSize + 1);
+  memcpy(cb_->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
+  SetDefaultParameterSettings(&cb_->Settings);
+  cb_->Settings.WriteCache = 1;
+  cb_->Settings.WriteStream = 0;
+  cb_->Settings.WriteInterval = 0;
+  cb_->Settings.WriteAfterEachApi = 0;
+  cb_->Settings.WriteBufferSize = bufferSize;
+  cb_->WriteBufferSize = bufferSize;
+  cb_->WriteBufferFill = 0;
+  cb_->RotationPermitted = 0;
+  cb_->CurrentFileSize = 0;
+  cb_->ExitType = EXIT_TYPE_API;
+  cb_->ProcessId = kProcessId;
+  cb_->ThreadId = kThreadId;
+  cb_->RecordedProcessId = (int32_t)getpid();
+  cb_->RecordedThreadId = (uint32_t)pthread_self();
+  snprintf(cb_->TraceDirectory, sizeof cb_->TraceDirectory, "%s/", dir_.Path().c_str());
+  snprintf(cb_->TraceFilePath, sizeof cb_->TraceFilePath, "/dev/null");
+  strcpy(cb_->ProcessName, "captest");
+  cb_->FileDescriptor = open("/dev/null", O_WRONLY);
+  SetValueForCodeRangeCheck(cb_);
+}
+
+CaptureBlock::~CaptureBlock() {
+  if (cb_->FileDescriptor > 0) {
+    close(cb_->FileDescriptor);
+  }
+  free(cb_);
+}
+
+std::string CaptureBlock::Text() const {
+  return std::string(cb_->WriteBuffer, (size_t)cb_->WriteBufferFill);
+}
+
+std::string CaptureBlock::Take() {
+  std::string text = Text();
+  Clear();
+  return text;
+}
+
+void CaptureBlock::Clear() {
+  cb_->WriteBufferFill = 0;
+  cb_->WriteBuffer[0] = '\0';
+}
+
+void CaptureBlock::SetCcsid(int32_t ccsid) {
+  cb_->Settings.ShowHexCharCcsid = ccsid;
+  SetValueForCodeRangeCheck(cb_);
+}
+
+std::string CaptureBlock::Alerts() const {
+  char name[64];
+  snprintf(name, sizeof name, "wz_apiexit_error_%d_%u.txt", (int)kProcessId, kThreadId);
+  return dir_.Read(name);
+}
