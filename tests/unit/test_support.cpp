@@ -5,6 +5,9 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <gtest/gtest.h>
+#include <stdio.h>
+
 #include <fstream>
 #include <sstream>
 
@@ -88,3 +91,36 @@ TestConnection::TestConnection(const std::string &exitData, const std::string &a
   Axc.ProcessId = 4242;
   Axc.ThreadId = 7;
 }
+
+namespace {
+
+// Runs the whole test program in a directory of its own, so that messages
+// that fall back to the current directory never land in the source tree.
+class WorkingDirectory : public ::testing::Environment {
+public:
+  void SetUp() override {
+    char previous[4096];
+    if (getcwd(previous, sizeof previous) != nullptr) {
+      previous_ = previous;
+    }
+    dir_ = new TempDir();
+    if (chdir(dir_->Path().c_str()) != 0) {
+      perror("chdir");
+    }
+  }
+  void TearDown() override {
+    if (!previous_.empty() && chdir(previous_.c_str()) != 0) {
+      perror("chdir");
+    }
+    delete dir_;
+  }
+
+private:
+  std::string previous_;
+  TempDir *dir_ = nullptr;
+};
+
+const ::testing::Environment *const kWorkingDirectory =
+    ::testing::AddGlobalTestEnvironment(new WorkingDirectory);
+
+} // namespace
