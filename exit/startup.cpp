@@ -2,6 +2,8 @@
 // control block, register the exit functions and open the first trace file.
 #include "exit/startup.h"
 
+#include "handlers/handlers.h"
+
 #include <errno.h>
 #include <stdio.h>
 #include <pthread.h>

@@ -5,6 +5,9 @@
 #include "exit/export.h"
 #include "zk/zk.h"
 
+WZ_EXPORT ZK_INIT_EXIT wzEntry;
+WZ_EXPORT ZK_INIT_EXIT wzEntryDebug;
+WZ_EXPORT void ZKStart(void);
 WZ_EXPORT ZK_INIT_EXIT Initialize;
 WZ_EXPORT ZK_TERM_EXIT Terminate;
 

@@ -1,0 +1,115 @@
+// Formatting speed of the field primitives and dumps, in bytes of trace text
+// per second, next to the speed of writing the same number of bytes to a
+// file with plain write() calls. Run: build/bin/wz_format_bench [seconds]
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "config/parameters.h"
+#include "exit/control_block.h"
+#include "format/field_primitives.h"
+#include "output/record_writers.h"
+#include "output/trace_file.h"
+
+namespace {
+
+double Now() {
+  struct timespec t;
+  clock_gettime(CLOCK_MONOTONIC, &t);
+  return (double)t.tv_sec + (double)t.tv_nsec / 1e9;
+}
+
+struct Bench {
+  const char *Name;
+  void (*Run)(ExitControlBlock *cb);
+};
+
+unsigned char gData[4096];
+
+void HexDump4K(ExitControlBlock *cb) {
+  PutHexData(cb, "Buffer", gData, sizeof gData, 0);
+}
+void HexSingleLine(ExitControlBlock *cb) {
+  ShowParsedHexValueSingleLine(cb, "MsgId", gData, 24, 0, 1, 1);
+}
+void FieldLines(ExitControlBlock *cb) {
+  for (int32_t i = 0; i < 16; i++) {
+    ShowFieldValueZklong(cb, "Priority", i * 1000, 1);
+  }
+}
+void StringFields(ExitControlBlock *cb) {
+  ShowFieldValueStringFixed(cb, "ReplyToQ", "APP.REPLY.QUEUE                                 ", 48);
+}
+
+const Bench kBenches[] = {
+    {"hex dump, 4096 bytes", HexDump4K},
+    {"single-line hex, 24 bytes", HexSingleLine},
+    {"integer field lines", FieldLines},
+    {"48-character string fields", StringFields},
+};
+
+ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize) {
+  auto *cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock) + (size_t)bufferSize);
+  SetDefaultParameterSettings(&cb->Settings);
+  cb->Settings.MaxFileSize = 2000000000;
+  cb->WriteBufferSize = bufferSize;
+  cb->FileDescriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path);
+  FillCodeRangeMap(&cb->CodeRange, 819);
+  return cb;
+}
+
+// Writes `total` bytes in buffer-sized write() calls, as the trace file does.
+double RawWriteSeconds(const char *path, int64_t total, int32_t chunk) {
+  char *block = (char *)malloc((size_t)chunk);
+  memset(block, 'x', (size_t)chunk);
+  int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  double start = Now();
+  for (int64_t done = 0; done < total; done += chunk) {
+    if (write(fd, block, (size_t)chunk) < 0) {
+      break;
+    }
+  }
+  double seconds = Now() - start;
+  close(fd);
+  free(block);
+  return seconds;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+  double budget = argc > 1 ? atof(argv[1]) : 1.0;
+  for (size_t i = 0; i < sizeof gData; i++) {
+    gData[i] = (unsigned char)(i * 7 + i / 16); // no two lines alike: no collapsing
+  }
+  char path[] = "/tmp/wz-format-bench-XXXXXX";
+  int tmp = mkstemp(path);
+  close(tmp);
+  const int32_t kBuffer = 10000; // the default WriteBufferSize
+  printf("%-28s %14s %14s %14s\n", "what", "MB/s formatted", "MB/s write()", "ns/call");
+  for (const Bench &bench : kBenches) {
+    ExitControlBlock *cb = MakeBlock(path, kBuffer);
+    int64_t calls = 0;
+    double start = Now(), elapsed = 0;
+    do {
+      for (int i = 0; i < 100; i++) {
+        bench.Run(cb);
+      }
+      calls += 100;
+      elapsed = Now() - start;
+    } while (elapsed < budget);
+    FlushTraceDataInBuffer(cb);
+    int64_t bytes = cb->CurrentFileSize;
+    close(cb->FileDescriptor);
+    free(cb);
+    double raw = RawWriteSeconds(path, bytes, kBuffer);
+    printf("%-28s %14.1f %14.1f %14.1f\n", bench.Name, (double)bytes / elapsed / 1e6,
+           (double)bytes / raw / 1e6, elapsed / (double)calls * 1e9);
+  }
+  unlink(path);
+  return 0;
+}
