@@ -333,3 +333,71 @@ TEST_F(StartupTest, WriteBufferSizeSizesTheBlock) {
   EXPECT_EQ(cb->ChainHeader.ChainAreaLength, (ZKLONG)(sizeof(ExitControlBlock) + 65536));
   Disconnect(c);
 }
+
+namespace {
+
+// The one trace file in the directory, by its name's start and end.
+std::string OnlyTraceFile(const TempDir &dir, const std::string &suffix) {
+  std::string found;
+  for (const std::string &name : dir.List()) {
+    if (name.rfind("wz_", 0) == 0 && name.rfind("wz_apiexit_error", 0) != 0 &&
+        name.size() > suffix.size() &&
+        name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0) {
+      EXPECT_TRUE(found.empty()) << "more than one trace file: " << found << ", " << name;
+      found = name;
+    }
+  }
+  return found;
+}
+
+} // namespace
+
+TEST_F(StartupTest, ExecFlagNoWithEmptyFileWritesTheReasonAndCloses) {
+  dir.Write("wz.def", "ExecFlag=no\nCreateEmptyFile=yes\n");
+  TestConnection c = Connect("/opt/app/bin/payroll");
+  EXPECT_EQ(gTestXep.Calls.size(), 41u); // still registered
+  std::string name = OnlyTraceFile(dir, ".txt");
+  ASSERT_FALSE(name.empty());
+  EXPECT_EQ(name, "wz_ZKQM1_payroll_4242_7_001.txt");
+  std::string text = dir.Read(name);
+  EXPECT_NE(text.find("|Program information\n"), std::string::npos);
+  EXPECT_NE(text.find("<INIT\n(CONNECTION\n"), std::string::npos);
+  EXPECT_NE(text.find("|  *** ExecFlag=no or ExecFlag=env is set in parameter file. ***  ["),
+            std::string::npos)
+      << text;
+  Disconnect(c);
+  EXPECT_EQ(OnlyTraceFile(dir, ".t"), "");
+}
+
+TEST_F(StartupTest, ProcessNotInTargetListWithEmptyFileSaysSo) {
+  dir.Write("wz.def", "TargetProcess=other\nCreateEmptyFile=yes\n");
+  TestConnection c = Connect("/opt/app/bin/payroll");
+  std::string name = OnlyTraceFile(dir, ".txt");
+  ASSERT_FALSE(name.empty());
+  EXPECT_NE(
+      dir.Read(name).find("|  *** Process name payroll is not in target process name list. ***  ["),
+      std::string::npos)
+      << dir.Read(name);
+  Disconnect(c);
+}
+
+TEST_F(StartupTest, ExecFlagNoWithoutEmptyFileWritesNoFile) {
+  dir.Write("wz.def", "ExecFlag=no\nCreateEmptyFile=no\n");
+  TestConnection c = Connect("/opt/app/bin/payroll");
+  EXPECT_EQ(gTestXep.Calls.size(), 41u);
+  EXPECT_EQ(OnlyTraceFile(dir, ".txt"), "");
+  EXPECT_EQ(OnlyTraceFile(dir, ".t"), "");
+  Disconnect(c);
+  EXPECT_EQ(OnlyTraceFile(dir, ".txt"), "");
+}
+
+TEST_F(StartupTest, TracedConnectionKeepsItsFileOpenUntilTermination) {
+  TestConnection c = Connect("/opt/app/bin/payroll");
+  std::string open = OnlyTraceFile(dir, ".t");
+  ASSERT_EQ(open, "wz_ZKQM1_payroll_4242_7_001.t");
+  Disconnect(c);
+  EXPECT_EQ(OnlyTraceFile(dir, ".t"), "");
+  std::string text = dir.Read("wz_ZKQM1_payroll_4242_7_001.txt");
+  EXPECT_NE(text.find("<INIT\n(CONNECTION\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("<TERM\n(CONNECTION\n"), std::string::npos) << text;
+}
