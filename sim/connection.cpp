@@ -44,3 +44,16 @@ void Connection::fillContext(ZKAXC &axc) const {
 }
 
 } // namespace zkqm
+
+namespace zkqm {
+
+void Connection::keep(const std::string &key, const void *structure, std::size_t length) {
+  if (structure == nullptr) {
+    lastStructs.erase(key);
+    return;
+  }
+  const auto *p = static_cast<const unsigned char *>(structure);
+  lastStructs[key].assign(p, p + length);
+}
+
+} // namespace zkqm

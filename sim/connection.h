@@ -2,9 +2,11 @@
 // exits of the chain keep for it.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "exit_chain.h"
@@ -24,6 +26,9 @@ struct ExitInstance {
   ZKHCONFIG hconfig = nullptr;
   ZKBYTE16 userArea = {};
   ZKBYTE48 pdArea = {};
+  // The exit chain area pointer: each exit of the chain has its own, kept
+  // from call to call for the whole connection.
+  ZKPTR chainArea = nullptr;
   RegistrationTable functions;
   bool initCalled = false; // the entry function has been called at connect
   bool suppressed = false; // the exit answered SUPPRESS_EXIT: not called again
@@ -63,15 +68,28 @@ struct Connection {
   ZKLONG lastCompCode = ZKCC_OK; // of the last connect or disconnect
   ZKLONG lastReason = 0;
 
-  // The exit chain area pointer: one per connection, shared by every exit of
-  // the chain and kept from call to call.
-  ZKPTR chainArea = nullptr;
   std::vector<std::unique_ptr<ExitInstance>> exits; // in chain order
 
   // ZKXEP call number (counted from the start of each connect) -> Reason
   // with which that call is to fail.
   std::map<int, ZKLONG> failRegistration;
   RegistrationCounts counts;
+
+  // The application's side: its object handles by the names the scenario
+  // gave them, and what the last call returned, for 'expect' and 'show'.
+  std::map<std::string, ZKHOBJ> handles;
+  std::map<std::string, int> listSizes; // destinations of a distribution-list handle
+  std::string lastCall;                 // "ZKPUT", ...
+  std::map<std::string, std::vector<unsigned char>> lastStructs; // "md" -> the ZKMD
+  std::vector<unsigned char> lastData;                           // data a get returned
+  ZKLONG lastDataLength = 0;
+  std::vector<ZKLONG> lastIntAttrs;
+  std::string lastCharAttrs;
+  ZKLONG lastXaReturn = 0;
+  ZKLONG lastHobj = 0;
+  int delivered = 0;     // callback calls made to this connection's consumers
+  std::thread::id owner; // the scenario thread that connected it
+  int ownerPid = 0;      // and its process
 
   // The log names the exit on each registration line only when there is a
   // choice.
@@ -80,6 +98,8 @@ struct Connection {
 
   // The exit context structure for a call of this connection.
   void fillContext(ZKAXC &axc) const;
+  // Keeps a copy of a structure as the application has it after a call.
+  void keep(const std::string &key, const void *structure, std::size_t length);
 };
 
 } // namespace zkqm

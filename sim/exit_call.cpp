@@ -1,20 +1,29 @@
 #include "exit_call.h"
 
+#include <atomic>
 #include <cstring>
 
+#include "log.h"
 #include "names.h"
 
 namespace zkqm {
 namespace {
 
-void fillParameters(const ExitInstance &exit, ZKLONG exitFunction, ZKAXP &axp) {
+std::atomic<int> errorCount{0};
+
+// The fields of ZKAXP that belong to the exit: everything else must come
+// back as it was sent.
+const std::vector<std::string> kExitOwnedAxpFields = {
+    "ExitResponse", "ExitResponse2", "Feedback", "ExitUserArea", "ExitPDArea", "ExitChainAreaPtr"};
+
+void fillParameters(const ExitInstance &exit, ZKLONG exitReason, ZKLONG exitFunction, ZKAXP &axp) {
   const Connection &connection = *exit.connection;
   const ExitDefinition &def = exit.module->definition;
   std::memset(&axp, 0, sizeof axp);
   std::memcpy(axp.StrucId, ZKAXP_STRUC_ID, 4);
   axp.Version = connection.identity.axpVersion;
   axp.ExitId = ZKXT_API_EXIT;
-  axp.ExitReason = ZKXR_CONNECTION;
+  axp.ExitReason = exitReason;
   axp.ExitResponse = ZKXCC_OK;
   axp.ExitResponse2 = ZKXR2_DEFAULT_CONTINUATION;
   axp.Feedback = 0;
@@ -24,56 +33,115 @@ void fillParameters(const ExitInstance &exit, ZKLONG exitFunction, ZKAXP &axp) {
   setBlankPadded(axp.ExitInfoName, sizeof axp.ExitInfoName, def.name);
   std::memcpy(axp.ExitPDArea, exit.pdArea, sizeof axp.ExitPDArea);
   setBlankPadded(axp.QMgrName, sizeof axp.QMgrName, connection.qmgrName);
-  axp.ExitChainAreaPtr = connection.chainArea;
+  axp.ExitChainAreaPtr = exit.chainArea;
   axp.Hconfig = exit.hconfig;
   axp.Function = exitFunction;
   axp.ExitMsgHandle = 0;
 }
 
-// The fields of the ZKAXP that belong to the queue manager.
-void checkParameters(const ZKAXP &before, const ZKAXP &after, std::vector<std::string> &out) {
-#define ZKQM_CHECK(field)                                                                          \
-  if (std::memcmp(&before.field, &after.field, sizeof before.field) != 0) {                        \
-    out.push_back("ZKAXP " #field);                                                                \
+// Copies the exit's own areas back into the queue manager's records.
+void takeBack(ExitInstance &exit, const ZKAXP &axp) {
+  std::memcpy(exit.userArea, axp.ExitUserArea, sizeof exit.userArea);
+  std::memcpy(exit.pdArea, axp.ExitPDArea, sizeof exit.pdArea);
+  exit.chainArea = axp.ExitChainAreaPtr;
+}
+
+void addExitParameters(ParamSnapshot &snapshot, const ZKAXP &axp, const ZKAXC &axc) {
+  snapshot.addStruct("ZKAXP", &axp, structNamed("ZKAXP"), sizeof axp, kExitOwnedAxpFields);
+  snapshot.addStruct("ZKAXC", &axc, structNamed("ZKAXC"), sizeof axc);
+}
+
+void report(const Connection &c, const std::string &where, const ExitInstance &exit,
+            const std::string &entry, const std::vector<std::string> &changes) {
+  for (const std::string &change : changes) {
+    ++errorCount;
+    runLog().always("%s %s %s: PARAMETER CHANGED by %s: %s", c.name.c_str(), where.c_str(),
+                    exit.name().c_str(), entry.c_str(), change.c_str());
+    reportError("parameter check: %s %s: exit %s (%s) changed %s", c.name.c_str(), where.c_str(),
+                exit.name().c_str(), entry.c_str(), change.c_str());
   }
-  ZKQM_CHECK(StrucId)
-  ZKQM_CHECK(Version)
-  ZKQM_CHECK(ExitId)
-  ZKQM_CHECK(ExitReason)
-  ZKQM_CHECK(APICallerType)
-  ZKQM_CHECK(ExitData)
-  ZKQM_CHECK(ExitInfoName)
-  ZKQM_CHECK(QMgrName)
-  ZKQM_CHECK(Hconfig)
-  ZKQM_CHECK(Function)
-  ZKQM_CHECK(ExitMsgHandle)
-#undef ZKQM_CHECK
+}
+
+// Calls one exit's function for `exitReason`, if it registered one. False
+// when it did not.
+bool callOne(Connection &c, ExitInstance &exit, ZKLONG exitReason, ApiCall &call,
+             ExitAnswer &answer) {
+  const Registration *reg = exit.functions.find(exitReason, call.function);
+  if (reg == nullptr) {
+    return false;
+  }
+  ZKAXP axp;
+  fillParameters(exit, exitReason, call.function, axp);
+  ZKAXC axc;
+  c.fillContext(axc);
+  std::string where = call.name + " " + exitReasonName(exitReason);
+  std::string entry;
+  if (!Log::quiet()) {
+    entry = entryPointName(reg->entry);
+    runLog().line("%s   %s %s: %s", c.name.c_str(), exitReasonName(exitReason).c_str(),
+                  exit.name().c_str(), entry.c_str());
+  }
+  ParamSnapshot snapshot;
+  addExitParameters(snapshot, axp, axc);
+  if (call.describe) {
+    call.describe(snapshot);
+  }
+  call.invoke(reg->entry, &axp, &axc);
+  takeBack(exit, axp);
+  answer.response = axp.ExitResponse;
+  answer.response2 = axp.ExitResponse2;
+  answer.violations = snapshot.differences();
+  if (!answer.violations.empty()) {
+    if (entry.empty()) {
+      entry = entryPointName(reg->entry);
+    }
+    report(c, where, exit, entry, answer.violations);
+  }
+  return true;
+}
+
+void logResponse(const Connection &c, const ApiCall &call, const ExitInstance &exit,
+                 const char *phase, const ExitAnswer &answer) {
+  if (answer.response != ZKXCC_OK) {
+    runLog().line("%s   %s %s: response %s", c.name.c_str(), phase, exit.name().c_str(),
+                  exitResponseName(answer.response).c_str());
+  }
+  if (answer.response2 != ZKXR2_DEFAULT_CONTINUATION) {
+    runLog().line("%s   %s %s: %s", c.name.c_str(), phase, exit.name().c_str(),
+                  exitResponse2Name(answer.response2).c_str());
+  }
+  (void)call;
 }
 
 } // namespace
+
+int parameterErrors() {
+  return errorCount.load();
+}
 
 ExitAnswer callConnectionFunction(ExitInstance &exit, ZKLONG exitFunction, PZK_INIT_EXIT function,
                                   ZKLONG &compCode, ZKLONG &reason) {
   Connection &connection = *exit.connection;
   ZKAXP axp;
-  fillParameters(exit, exitFunction, axp);
+  fillParameters(exit, ZKXR_CONNECTION, exitFunction, axp);
   ZKAXC axc;
   connection.fillContext(axc);
-  const ZKAXP axpSent = axp;
-  const ZKAXC axcSent = axc;
+  ParamSnapshot snapshot;
+  addExitParameters(snapshot, axp, axc);
+  snapshot.addLong("CompCode", &compCode);
+  snapshot.addLong("Reason", &reason);
 
   function(&axp, &axc, &compCode, &reason);
 
-  std::memcpy(exit.userArea, axp.ExitUserArea, sizeof exit.userArea);
-  std::memcpy(exit.pdArea, axp.ExitPDArea, sizeof exit.pdArea);
-  connection.chainArea = axp.ExitChainAreaPtr;
-
+  takeBack(exit, axp);
   ExitAnswer answer;
   answer.response = axp.ExitResponse;
   answer.response2 = axp.ExitResponse2;
-  checkParameters(axpSent, axp, answer.violations);
-  if (std::memcmp(&axcSent, &axc, sizeof axc) != 0) {
-    answer.violations.push_back("ZKAXC");
+  answer.violations = snapshot.differences();
+  if (!answer.violations.empty()) {
+    report(connection, functionName(exitFunction), exit,
+           exitFunction == ZKXF_INIT ? exit.module->definition.function : "TERM function",
+           answer.violations);
   }
   return answer;
 }
@@ -86,6 +154,82 @@ const char *chainAreaChange(ZKPTR before, ZKPTR after) {
     return "cleared";
   }
   return before == after ? "kept" : "changed";
+}
+
+BeforeOutcome runBefore(Connection &c, ApiCall &call) {
+  BeforeOutcome outcome;
+  for (std::size_t i = 0; i < c.exits.size(); ++i) {
+    ExitInstance &exit = *c.exits[i];
+    outcome.reached = i + 1;
+    if (exit.suppressed) {
+      continue;
+    }
+    ExitAnswer answer;
+    if (!callOne(c, exit, ZKXR_BEFORE, call, answer)) {
+      continue;
+    }
+    logResponse(c, call, exit, "BEFORE", answer);
+    if (answer.response == ZKXCC_SUPPRESS_EXIT) {
+      exit.functions.clear();
+      exit.suppressed = true;
+    } else if (answer.response == ZKXCC_SKIP_FUNCTION) {
+      // The exit has done the call's work itself: CompCode and Reason are
+      // what it left.
+      outcome.perform = false;
+      return outcome;
+    } else if (answer.response == ZKXCC_SUPPRESS_FUNCTION) {
+      outcome.perform = false;
+      if (call.compCode != nullptr) {
+        *call.compCode = ZKCC_FAILED;
+        *call.reason = ZKRC_SUPPRESSED_BY_EXIT;
+      }
+      return outcome;
+    }
+    if (answer.response2 == ZKXR2_SUPPRESS_CHAIN) {
+      return outcome;
+    }
+  }
+  return outcome;
+}
+
+void runAfter(Connection &c, ApiCall &call, const BeforeOutcome &before) {
+  for (std::size_t i = before.reached; i-- > 0;) {
+    if (i >= c.exits.size()) {
+      continue;
+    }
+    ExitInstance &exit = *c.exits[i];
+    if (exit.suppressed) {
+      continue;
+    }
+    ExitAnswer answer;
+    if (!callOne(c, exit, ZKXR_AFTER, call, answer)) {
+      continue;
+    }
+    logResponse(c, call, exit, "AFTER", answer);
+    if (answer.response == ZKXCC_SUPPRESS_EXIT) {
+      exit.functions.clear();
+      exit.suppressed = true;
+    }
+    if (answer.response2 == ZKXR2_SUPPRESS_CHAIN) {
+      return;
+    }
+  }
+}
+
+void runExitPoint(Connection &c, ApiCall &call) {
+  for (auto &exit : c.exits) {
+    if (exit->suppressed) {
+      continue;
+    }
+    ExitAnswer answer;
+    if (!callOne(c, *exit, ZKXR_BEFORE, call, answer)) {
+      continue;
+    }
+    logResponse(c, call, *exit, "BEFORE", answer);
+    if (answer.response2 == ZKXR2_SUPPRESS_CHAIN) {
+      return;
+    }
+  }
 }
 
 } // namespace zkqm

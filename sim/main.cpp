@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <unistd.h>
 
+#include "exit_call.h"
 #include "exit_chain.h"
 #include "ini.h"
 #include "log.h"
@@ -19,6 +21,7 @@ constexpr int kExitOk = 0;
 constexpr int kExitExpectationFailed = 1;
 constexpr int kExitUsage = 2;
 constexpr int kExitConfiguration = 3;
+constexpr int kExitParameterChanged = 4;
 
 struct Options {
   std::string ini;
@@ -77,9 +80,26 @@ bool parseArguments(int argc, char **argv, Options &options) {
   return true;
 }
 
+// The platform's commands (dspzkver) are installed beside zkqm; the exits
+// that zkqm loads find them on the PATH, as they would in a queue manager's
+// processes.
+void addOwnDirectoryToPath() {
+  char self[4096];
+  ssize_t n = readlink("/proc/self/exe", self, sizeof self - 1);
+  if (n <= 0) {
+    return;
+  }
+  std::string dir(self, static_cast<std::size_t>(n));
+  dir = dir.substr(0, dir.rfind('/'));
+  const char *path = std::getenv("PATH");
+  std::string value = dir + (path != nullptr && *path != '\0' ? ":" + std::string(path) : "");
+  setenv("PATH", value.c_str(), 1);
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
+  addOwnDirectoryToPath();
   Options options;
   if (!parseArguments(argc, argv, options)) {
     usage(stderr);
@@ -124,15 +144,22 @@ int main(int argc, char **argv) {
   }
 
   QueueManager qmgr(log, chain);
-  ScenarioContext context{qmgr, log, scenario};
-  bool completed = runScenario(scenario, context);
+  SharedState shared;
+  ScenarioContext context{qmgr, log, scenario, shared, {}, 1};
+  bool completed = runCommands(scenario.commands, context);
   qmgr.disconnectAll();
+  int changes = parameterErrors() + shared.childParameterErrors.load();
+  if (changes > 0) {
+    log.always("end of scenario: %d parameter change(s) by exits", changes);
+    reportError("%d parameter change(s) by exits: an exit must only observe", changes);
+    return kExitParameterChanged;
+  }
   if (!completed) {
     return kExitUsage;
   }
-  if (context.failedExpectations > 0) {
-    log.line("end of scenario: %d expectation(s) failed", context.failedExpectations);
-    reportError("%d expectation(s) failed", context.failedExpectations);
+  if (shared.failedExpectations > 0) {
+    log.always("end of scenario: %d expectation(s) failed", shared.failedExpectations.load());
+    reportError("%d expectation(s) failed", shared.failedExpectations.load());
     return kExitExpectationFailed;
   }
   log.line("end of scenario");

@@ -1,15 +1,27 @@
 #include "qmgr.h"
 
-#include "exit_call.h"
+#include <cstring>
+#include <unistd.h>
+
+#include "constants.h"
+#include "describe.h"
 #include "hconfig.h"
 #include "names.h"
 #include "reasons.h"
 
 namespace zkqm {
 
+void QueueManager::setName(const std::string &name) {
+  name_ = name;
+  engine_.setName(name);
+}
+
 Connection &QueueManager::define(const std::string &name) {
-  if (Connection *existing = find(name)) {
-    return *existing;
+  std::lock_guard<std::mutex> lock(mutex_);
+  for (auto &c : connections_) {
+    if (c->name == name) {
+      return *c;
+    }
   }
   connections_.push_back(std::make_unique<Connection>());
   connections_.back()->name = name;
@@ -17,6 +29,7 @@ Connection &QueueManager::define(const std::string &name) {
 }
 
 Connection *QueueManager::find(const std::string &name) {
+  std::lock_guard<std::mutex> lock(mutex_);
   for (auto &c : connections_) {
     if (c->name == name) {
       return c.get();
@@ -25,21 +38,26 @@ Connection *QueueManager::find(const std::string &name) {
   return nullptr;
 }
 
-bool QueueManager::connect(Connection &c, ZKLONG function) {
-  const char *call = function == ZKXF_CONNX ? "ZKCONNX" : "ZKCONN";
-  if (c.state == ConnectionState::Connected) {
-    c.lastCompCode = ZKCC_FAILED;
-    c.lastReason = kReasonAlreadyConnected;
-    log_.line("%s %s refused: already connected; CompCode 2 Reason %d (%s)", c.name.c_str(), call,
-              kReasonAlreadyConnected, reasonText(kReasonAlreadyConnected));
-    return false;
+std::vector<Connection *> QueueManager::connections() {
+  std::lock_guard<std::mutex> lock(mutex_);
+  std::vector<Connection *> out;
+  for (auto &c : connections_) {
+    out.push_back(c.get());
   }
-  c.qmgrName = name_;
-  c.counts = RegistrationCounts();
-  c.chainArea = nullptr;
-  releaseExits(c);
-  log_.line("%s %s to %s", c.name.c_str(), call, name_.c_str());
+  return out;
+}
 
+void QueueManager::perform(Connection &c, ApiCall &call, const std::function<void()> &execute) {
+  BeforeOutcome before = runBefore(c, call);
+  if (before.perform) {
+    execute();
+  } else {
+    log_.line("%s   %s not performed: an exit answered for it", c.name.c_str(), call.name.c_str());
+  }
+  runAfter(c, call, before);
+}
+
+bool QueueManager::initExits(Connection &c, const ExitInstance *&failedBy) {
   for (const ExitModule &module : chain_.modules()) {
     auto exit = std::make_unique<ExitInstance>();
     exit->module = &module;
@@ -47,23 +65,20 @@ bool QueueManager::connect(Connection &c, ZKLONG function) {
     issueHconfig(*exit);
     c.exits.push_back(std::move(exit));
   }
-
-  const ExitInstance *failedBy = nullptr;
+  failedBy = nullptr;
   for (auto &exit : c.exits) {
     const ExitModule &module = *exit->module;
     log_.line("%s INIT %s: calling %s", c.name.c_str(), exit->name().c_str(),
               module.definition.function.c_str());
     ZKLONG compCode = ZKCC_OK;
     ZKLONG reason = 0;
-    ZKPTR chainBefore = c.chainArea;
+    ZKPTR chainBefore = exit->chainArea;
     ExitAnswer answer = callConnectionFunction(*exit, ZKXF_INIT, module.entry, compCode, reason);
     exit->initCalled = true;
     log_.line("%s INIT %s: response %s, %s; chain area %s", c.name.c_str(), exit->name().c_str(),
               exitResponseName(answer.response).c_str(),
               exitResponse2Name(answer.response2).c_str(),
-              chainAreaChange(chainBefore, c.chainArea));
-    logViolations(c, "INIT", *exit, answer.violations);
-
+              chainAreaChange(chainBefore, exit->chainArea));
     if (answer.response == ZKXCC_FAILED) {
       failedBy = exit.get();
       break;
@@ -85,25 +100,112 @@ bool QueueManager::connect(Connection &c, ZKLONG function) {
     }
   }
   logRegistrationSummary(c);
+  return failedBy == nullptr;
+}
 
-  if (failedBy != nullptr) {
+bool QueueManager::connect(Connection &c, ZKLONG function, PZKCNO cno,
+                           const std::string &qmgrName) {
+  const char *call = function == ZKXF_CONNX ? "ZKCONNX" : "ZKCONN";
+  bool again = c.state == ConnectionState::Connected;
+  if (!again) {
+    c.qmgrName = name_;
+    c.counts = RegistrationCounts();
+    releaseExits(c);
+  }
+  log_.line("%s %s to %s%s", c.name.c_str(), call,
+            qmgrName.empty() ? "the default queue manager" : qmgrName.c_str(),
+            describeConnectOptions(function == ZKXF_CONNX ? cno : nullptr).c_str());
+
+  if (!again) {
+    const ExitInstance *failedBy = nullptr;
+    if (!initExits(c, failedBy)) {
+      c.state = ConnectionState::ConnectFailed;
+      c.lastCompCode = ZKCC_FAILED;
+      c.lastReason = kReasonApiExitFailed;
+      log_.line("%s connect failed: exit %s answered FAILED; CompCode 2 Reason %d (%s)",
+                c.name.c_str(), failedBy->name().c_str(), kReasonApiExitFailed,
+                reasonText(kReasonApiExitFailed));
+      // Exits that registered a TERM function get it, so that they can free
+      // what they allocated at INIT.
+      terminateExits(c);
+      releaseExits(c);
+      return false;
+    }
+  }
+
+  // The call itself, as the exits see it.
+  char name[ZK_Q_MGR_NAME_LENGTH];
+  setBlankPadded(name, sizeof name, qmgrName);
+  ZKCNO builtCno = ZKCNO_DEFAULT; // ZKCONN: the connect options the queue manager builds
+  PZKCNO pCno = function == ZKXF_CONNX ? cno : &builtCno;
+  ZKHCONN hconn = again ? c.hconn : ZKHC_UNUSABLE_HCONN;
+  PZKHCONN pHconn = &hconn;
+  ZKLONG compCode = ZKCC_OK;
+  ZKLONG reason = 0;
+  ApiCall api;
+  api.function = function;
+  api.name = call;
+  api.compCode = &compCode;
+  api.reason = &reason;
+  api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
+    reinterpret_cast<PZK_CONNX_EXIT>(entry)(axp, axc, name, &pCno, &pHconn, &compCode, &reason);
+  };
+  api.describe = [&](ParamSnapshot &s) {
+    s.addBytes("QMgrName", name, sizeof name);
+    s.addPointer("ZKCNO address", reinterpret_cast<void *const *>(&pCno));
+    describeCno(s, pCno);
+    s.addPointer("Hconn address", reinterpret_cast<void *const *>(&pHconn));
+    s.addLong("Hconn", pHconn);
+    s.addLong("CompCode", &compCode);
+    s.addLong("Reason", &reason);
+  };
+  ConnIdentity identity;
+  identity.user = c.identity.userId;
+  identity.applName = c.identity.applName;
+  identity.applType = c.identity.applType;
+  perform(c, api, [&]() {
+    if (again) {
+      compCode = ZKCC_WARNING;
+      reason = ZKRC_ALREADY_CONNECTED;
+      *pHconn = c.hconn;
+      return;
+    }
+    engine_.conn(name, pCno, identity, pHconn, &compCode, &reason);
+  });
+  c.lastCall = call;
+  c.lastCompCode = compCode;
+  c.lastReason = reason;
+  if (pCno != nullptr && function == ZKXF_CONNX) {
+    c.keep("cno", pCno, sizeof(ZKCNO));
+  }
+  if (again) {
+    log_.line("%s already connected: CompCode %d Reason %s, Hconn %d", c.name.c_str(), compCode,
+              reasonWithName(reason).c_str(), *pHconn);
+    return compCode != ZKCC_FAILED;
+  }
+  if (compCode == ZKCC_FAILED) {
     c.state = ConnectionState::ConnectFailed;
-    c.lastCompCode = ZKCC_FAILED;
-    c.lastReason = kReasonApiExitFailed;
-    log_.line("%s connect failed: exit %s answered FAILED; CompCode 2 Reason %d (%s)",
-              c.name.c_str(), failedBy->name().c_str(), kReasonApiExitFailed,
-              reasonText(kReasonApiExitFailed));
-    // Exits that registered a TERM function get it, so that they can free
-    // what they allocated at INIT.
+    log_.line("%s connect failed: CompCode %d Reason %s", c.name.c_str(), compCode,
+              reasonWithName(reason).c_str());
     terminateExits(c);
     releaseExits(c);
     return false;
   }
   c.state = ConnectionState::Connected;
-  c.hconn = nextHconn_++;
-  c.lastCompCode = ZKCC_OK;
-  c.lastReason = 0;
-  log_.line("%s connected: Hconn %d", c.name.c_str(), c.hconn);
+  c.hconn = *pHconn;
+  c.owner = std::this_thread::get_id();
+  c.ownerPid = static_cast<int>(getpid());
+  c.handles.clear();
+  std::string id;
+  if (function == ZKXF_CONNX && cno != nullptr && cno->Version >= ZKCNO_VERSION_5) {
+    id = ", ConnectionId " + hexText(cno->ConnectionId, sizeof cno->ConnectionId);
+  }
+  if (compCode != ZKCC_OK) {
+    log_.line("%s connected: Hconn %d%s; CompCode %d Reason %s", c.name.c_str(), c.hconn,
+              id.c_str(), compCode, reasonWithName(reason).c_str());
+  } else {
+    log_.line("%s connected: Hconn %d%s", c.name.c_str(), c.hconn, id.c_str());
+  }
   return true;
 }
 
@@ -116,18 +218,43 @@ bool QueueManager::disconnect(Connection &c) {
     return false;
   }
   log_.line("%s ZKDISC", c.name.c_str());
+  ZKHCONN hconn = c.hconn;
+  PZKHCONN pHconn = &hconn;
+  ZKLONG compCode = ZKCC_OK;
+  ZKLONG reason = 0;
+  ApiCall api;
+  api.function = ZKXF_DISC;
+  api.name = "ZKDISC";
+  api.compCode = &compCode;
+  api.reason = &reason;
+  api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
+    reinterpret_cast<PZK_DISC_EXIT>(entry)(axp, axc, &pHconn, &compCode, &reason);
+  };
+  api.describe = [&](ParamSnapshot &s) {
+    s.addPointer("Hconn address", reinterpret_cast<void *const *>(&pHconn));
+    s.addLong("Hconn", pHconn);
+    s.addLong("CompCode", &compCode);
+    s.addLong("Reason", &reason);
+  };
+  perform(c, api, [&]() { engine_.disc(pHconn, &compCode, &reason); });
+  if (compCode != ZKCC_OK) {
+    log_.line("%s ZKDISC: CompCode %d Reason %s", c.name.c_str(), compCode,
+              reasonWithName(reason).c_str());
+  }
   terminateExits(c);
   releaseExits(c);
   c.state = ConnectionState::Disconnected;
   c.hconn = 0;
-  c.lastCompCode = ZKCC_OK;
-  c.lastReason = 0;
+  c.handles.clear();
+  c.lastCall = "ZKDISC";
+  c.lastCompCode = compCode;
+  c.lastReason = reason;
   log_.line("%s disconnected", c.name.c_str());
   return true;
 }
 
 void QueueManager::disconnectAll() {
-  for (auto &c : connections_) {
+  for (Connection *c : connections()) {
     if (c->state == ConnectionState::Connected) {
       log_.line("%s still connected at the end of the scenario", c->name.c_str());
       disconnect(*c);
@@ -149,14 +276,13 @@ void QueueManager::terminateExits(Connection &c) {
               entryPointName(term->entry).c_str());
     ZKLONG compCode = ZKCC_OK;
     ZKLONG reason = 0;
-    ZKPTR chainBefore = c.chainArea;
+    ZKPTR chainBefore = exit->chainArea;
     ExitAnswer answer = callConnectionFunction(
         *exit, ZKXF_TERM, reinterpret_cast<PZK_TERM_EXIT>(term->entry), compCode, reason);
     log_.line("%s TERM %s: response %s, %s; chain area %s", c.name.c_str(), exit->name().c_str(),
               exitResponseName(answer.response).c_str(),
               exitResponse2Name(answer.response2).c_str(),
-              chainAreaChange(chainBefore, c.chainArea));
-    logViolations(c, "TERM", *exit, answer.violations);
+              chainAreaChange(chainBefore, exit->chainArea));
   }
 }
 
@@ -167,14 +293,6 @@ void QueueManager::releaseExits(Connection &c) {
     withdrawHconfig(*exit);
   }
   c.exits.clear();
-}
-
-void QueueManager::logViolations(const Connection &c, const char *point, const ExitInstance &exit,
-                                 const std::vector<std::string> &violations) {
-  for (const std::string &field : violations) {
-    log_.line("%s %s %s: exit changed %s, which belongs to the queue manager", c.name.c_str(),
-              point, exit.name().c_str(), field.c_str());
-  }
 }
 
 void QueueManager::logRegistrationSummary(const Connection &c) {

@@ -17,35 +17,49 @@
  *          has no AFTER call
  *   dump   write what it received in ZKAXP and ZKAXC to standard error
  * Every call of the entry and TERM functions is reported on standard error,
- * prefixed "testexit <name>:". */
+ * prefixed "testexit <name>:". The ZKCONN and ZKDISC functions observe
+ * silently. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
-#include "zk/zkxc.h"
+#include "zk/zkxfunc.h"
 
 #define EXPORT __attribute__((visibility("default")))
 
 EXPORT ZK_INIT_EXIT TestEntry;
 EXPORT ZK_INIT_EXIT TestInit;
 EXPORT ZK_TERM_EXIT TestTerm;
-EXPORT void TestConnBefore(void);
-EXPORT void TestConnAfter(void);
-EXPORT void TestDiscBefore(void);
-EXPORT void TestDiscAfter(void);
-EXPORT void TestDataConvAfter(void);
+EXPORT ZK_CONN_EXIT TestConnBefore;
+EXPORT ZK_CONN_EXIT TestConnAfter;
+EXPORT ZK_DISC_EXIT TestDiscBefore;
+EXPORT ZK_DISC_EXIT TestDiscAfter;
+EXPORT ZK_GET_EXIT TestDataConvAfter;
 
-/* The registered functions are only looked at, never called, in these
- * tests. */
+/* The ZKI functions observe and do nothing; the queue manager calls them
+ * around ZKCONN and ZKDISC. */
 void TestInit(PZKAXP p, PZKAXC c, PZKLONG cc, PZKLONG rc) {
   (void)p, (void)c, (void)cc, (void)rc;
 }
-void TestConnBefore(void) {}
-void TestConnAfter(void) {}
-void TestDiscBefore(void) {}
-void TestDiscAfter(void) {}
-void TestDataConvAfter(void) {}
+void TestConnBefore(PZKAXP p, PZKAXC c, PZKCHAR q, PPZKCNO o, PPZKHCONN h, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)q, (void)o, (void)h, (void)cc, (void)rc;
+}
+void TestConnAfter(PZKAXP p, PZKAXC c, PZKCHAR q, PPZKCNO o, PPZKHCONN h, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)q, (void)o, (void)h, (void)cc, (void)rc;
+}
+void TestDiscBefore(PZKAXP p, PZKAXC c, PPZKHCONN h, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)h, (void)cc, (void)rc;
+}
+void TestDiscAfter(PZKAXP p, PZKAXC c, PPZKHCONN h, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)h, (void)cc, (void)rc;
+}
+/* Registered only to be refused: the data-conversion point has no AFTER. */
+void TestDataConvAfter(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ o, PPZKMD md, PPZKGMO gmo,
+                       PZKLONG bl, PPZKVOID b, PPZKLONG dl, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)h, (void)o, (void)md, (void)gmo, (void)bl, (void)b, (void)dl, (void)cc,
+      (void)rc;
+}
 
 /* What the entry leaves in the exit user area (16 bytes). */
 static const char kUserAreaMark[17] = "testexit-area-01";
@@ -147,7 +161,7 @@ void TestEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
   }
 
   if (hasWord(p, "badhc")) {
-    reg(p, (ZKHCONFIG)(size_t)0x1234, ZKXR_BEFORE, ZKXF_PUT, TestConnBefore, NULL);
+    reg(p, (ZKHCONFIG)(size_t)0x1234, ZKXR_BEFORE, ZKXF_PUT, (PZKFUNC)TestConnBefore, NULL);
   }
   opts.ExitProperties.VSPtr = (ZKPTR)property;
   opts.ExitProperties.VSLength = (ZKLONG)strlen(property);
@@ -159,10 +173,10 @@ void TestEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
   } table[] = {
       {ZKXR_CONNECTION, ZKXF_INIT, (PZKFUNC)TestInit, &opts},
       {ZKXR_CONNECTION, ZKXF_TERM, (PZKFUNC)TestTerm, NULL},
-      {ZKXR_BEFORE, ZKXF_CONN, TestConnBefore, NULL},
-      {ZKXR_AFTER, ZKXF_CONN, TestConnAfter, NULL},
-      {ZKXR_BEFORE, ZKXF_DISC, TestDiscBefore, NULL},
-      {ZKXR_AFTER, ZKXF_DISC, TestDiscAfter, NULL},
+      {ZKXR_BEFORE, ZKXF_CONN, (PZKFUNC)TestConnBefore, NULL},
+      {ZKXR_AFTER, ZKXF_CONN, (PZKFUNC)TestConnAfter, NULL},
+      {ZKXR_BEFORE, ZKXF_DISC, (PZKFUNC)TestDiscBefore, NULL},
+      {ZKXR_AFTER, ZKXF_DISC, (PZKFUNC)TestDiscAfter, NULL},
   };
   for (size_t i = 0; i < sizeof table / sizeof table[0]; ++i) {
     if (table[i].function == ZKXF_TERM && hasWord(p, "noterm")) {
@@ -178,7 +192,7 @@ void TestEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
     reg(p, p->Hconfig, ZKXR_BEFORE, ZKXF_DISC, NULL, NULL);
   }
   if (hasWord(p, "bad")) {
-    reg(p, p->Hconfig, ZKXR_AFTER, ZKXF_DATA_CONV_ON_GET, TestDataConvAfter, NULL);
+    reg(p, p->Hconfig, ZKXR_AFTER, ZKXF_DATA_CONV_ON_GET, (PZKFUNC)TestDataConvAfter, NULL);
   }
   if (hasWord(p, "fail")) {
     return;

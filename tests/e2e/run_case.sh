@@ -1,22 +1,28 @@
 #!/usr/bin/env bash
 # End-to-end tests of zkqm and of the exit library run through it.
 #
-#   run_case.sh CASE ZKQM TESTEXIT WZLIB
+#   run_case.sh CASE ZKQM TESTEXIT WZLIB PROBEEXIT DSPZKVER
 #
 # Each case is a function below. A case prepares a configuration in a fresh
-# directory, runs zkqm on a scenario from scenarios/ and compares the log
-# (and, where it matters, the exit's own standard error) with a file in
-# expected/, or checks the exit status and messages. It fails on the first
-# difference and says why.
+# directory, runs zkqm on a scenario (from scenarios/ here, or one of the
+# bundled ones in sim/scenarios) and compares the log (and, where it
+# matters, the exit's own standard error) with a file in expected/, or
+# checks the exit status and messages. It fails on the first difference and
+# says why. With ZKQM_BLESS=1 in the environment, a log that differs from
+# its expected file replaces it instead (for a deliberate change of the log;
+# review the difference before committing it).
 set -uo pipefail
 
 case_name=${1:?case}
 ZKQM=${2:?path of zkqm}
 TESTEXIT=${3:?path of the test exit}
 WZLIB=${4:?path of libwz.so}
+PROBE=${5:-}
+DSPZKVER=${6:-}
 HERE=$(cd "$(dirname "$0")" && pwd)
 SCN=$HERE/scenarios
 EXP=$HERE/expected
+BUNDLED=$(cd "$HERE/../../sim/scenarios" && pwd)
 
 # The exit data has room for 32 characters: the work directory is short.
 WORK=$(mktemp -d /tmp/zkqmXXXXXX)
@@ -60,6 +66,11 @@ expect_status() {
 
 # same_as EXPECTED ACTUAL: the actual file must equal the expected one.
 same_as() {
+  if [ -n "${ZKQM_BLESS:-}" ] && ! cmp -s "$EXP/$1" "$2"; then
+    cp "$2" "$EXP/$1"
+    echo "blessed expected/$1" >&2
+    return
+  fi
   diff -u "$EXP/$1" "$2" >&2 || fail "$2 differs from expected/$1"
 }
 
@@ -326,6 +337,241 @@ case_wz_blank_data() {
   cat wz_apiexit_error_*.txt >errors.txt 2>/dev/null || fail "no error file in the current directory"
   contains errors.txt "Msg2101: Path name must be"
   contains errors.txt "as Data attribute of ApiExitLocal stanza in qm.ini file."
+}
+
+# ---- the bundled scenarios, without and with exits ----------------------------
+
+need_probe() {
+  [ -f "$PROBE" ] || fail "the probe exit $PROBE has not been built"
+}
+
+# What the application sees: the log without the lines that only exits
+# make. An exit that only observes leaves it exactly as it is without exits.
+application_view() {
+  grep -vE '^exits?[ :]|^[^ ]+ (INIT|TERM) |^[^ ]+ register |^[^ ]+   (BEFORE|AFTER) |^[^ ]+ registrations: ' "$1"
+}
+
+same_application_view() {
+  application_view out.log >app.log
+  application_view "$EXP/scn_$1.log" >want.log
+  diff -u want.log app.log >&2 || fail "with exits the calls returned something else than without"
+}
+
+# A bundled scenario without exits: its expectations hold (they check the
+# queue manager's results) and the log is the expected one.
+bundled_plain() {
+  run_zkqm --no-exit --scenario "$BUNDLED/$1.scn"
+  expect_status 0
+  [ ! -s err.txt ] || fail "unexpected messages: $(cat err.txt)"
+  same_as "scn_$1.log" out.log
+}
+
+# A bundled scenario through libwz.so, everything traced: the parameter
+# check holds for every exit function call, the calls return what they
+# return without the exit, and the exit wrote its trace.
+bundled_wz() {
+  need_wz
+  mkdir -p data
+  printf '%s\n' ShowParsedData=yes ShowParsedMsgContent=yes ShowXaCalls=yes \
+    ShowDataConvOnGet=yes ShowZkVersion=yes >data/wz.def
+  ini_stanza wz wzEntry "$WZLIB" "$WORK/data" 1
+  run_zkqm --ini qm.ini --scenario "$BUNDLED/$1.scn"
+  expect_status 0
+  lacks out.log "PARAMETER CHANGED"
+  lacks err.txt "parameter check"
+  contains out.log "   BEFORE wz: "
+  contains out.log "   AFTER wz: "
+  same_application_view "$1"
+  ls data/wz_*.txt >/dev/null 2>&1 || fail "the exit wrote no trace file"
+}
+
+# A bundled scenario through the probe exit, which registers every exit
+# point: the same parameter check and the same results.
+bundled_probe() {
+  need_probe
+  ini_stanza probe ProbeEntry "$PROBE" "quiet" 1
+  run_zkqm --ini qm.ini --scenario "$BUNDLED/$1.scn"
+  expect_status 0
+  lacks out.log "PARAMETER CHANGED"
+  contains out.log "   BEFORE probe: "
+  same_application_view "$1"
+}
+
+for name in demo connections queues inquire units pubsub async xa messages load; do
+  eval "case_scn_$name() { bundled_plain $name; }"
+  eval "case_wz_scn_$name() { bundled_wz $name; }"
+  eval "case_probe_scn_$name() { bundled_probe $name; }"
+done
+
+# ---- the parameter check ------------------------------------------------------
+
+# tamper WORD LINE...: the probe exit changes one parameter; zkqm ends with
+# status 4 and names the call, the exit point, the exit and the parameter,
+# in its log and on standard error.
+tamper() {
+  need_probe
+  local word=$1
+  shift
+  rm -f qm.ini
+  ini_stanza probe ProbeEntry "$PROBE" "quiet $word" 1
+  run_zkqm --ini qm.ini --scenario "$SCN/tamper.scn"
+  expect_status 4
+  local line
+  for line in "$@"; do
+    contains out.log "$line"
+  done
+  contains out.log "end of scenario: "
+  contains err.txt "parameter change(s) by exits: an exit must only observe"
+}
+
+case_parameter_check() {
+  tamper md-priority "c1 ZKPUT BEFORE probe: PARAMETER CHANGED by ProbePut: ZKMD.Priority -1 -> 0"
+  contains err.txt "zkqm: parameter check: c1 ZKPUT BEFORE: exit probe (ProbePut) changed ZKMD.Priority -1 -> 0"
+  tamper compcode "c1 ZKPUT AFTER probe: PARAMETER CHANGED by ProbePut: CompCode 0 -> 1"
+  contains err.txt "zkqm: parameter check: c1 ZKPUT AFTER: exit probe (ProbePut) changed CompCode 0 -> 1"
+  tamper reason "c1 ZKGET AFTER probe: PARAMETER CHANGED by ProbeGet: Reason 0 -> 2033"
+  tamper buffer "c1 ZKPUT BEFORE probe: PARAMETER CHANGED by ProbePut: Buffer (6 bytes): 1 byte(s) changed: byte 0 0x6C -> 0x6D"
+  tamper hobj "c1 ZKPUT BEFORE probe: PARAMETER CHANGED by ProbePut: Hobj 101 -> 102"
+  tamper md-pointer "c1 ZKPUT BEFORE probe: PARAMETER CHANGED by ProbePut: ZKMD address now points elsewhere"
+  tamper od-name "c1 ZKOPEN BEFORE probe: PARAMETER CHANGED by ProbeOpen: ZKOD.ObjectName '' -> 'X'"
+  tamper cd "c1 ZKCONNX BEFORE probe: PARAMETER CHANGED by ProbeConn: ZKCNO->ZKCD.BatchSize 50 -> 51"
+  tamper ldap "c1 ZKCONNX BEFORE probe: PARAMETER CHANGED by ProbeConn: ZKCNO->ZKSCO->ZKAIR[1]->LDAPUserName (4 bytes): 1 byte(s) changed: byte 0 0x63 -> 0x43"
+  tamper pmr "c1 ZKPUT BEFORE probe: PARAMETER CHANGED by ProbePut: ZKPMO->ZKPMR (48 bytes): 1 byte(s) changed: byte 0 0x00 -> 0xFF"
+  tamper selectors "c1 ZKINQ BEFORE probe: PARAMETER CHANGED by ProbeInq: Selectors (4 bytes): 1 byte(s) changed: byte 0 0x03 -> 0x04"
+  tamper datalength "c1 ZKGET AFTER probe: PARAMETER CHANGED by ProbeGet: DataLength 6 -> 7"
+  tamper conv-buffer "c1 DATA_CONV_ON_GET BEFORE probe: PARAMETER CHANGED by ProbeGet: Buffer (4096 bytes): 1 byte(s) changed: byte 0 0x6C -> 0x6D"
+  tamper cbc "c1 ZKCB_FU BEFORE probe: PARAMETER CHANGED by ProbeCallback: ZKCBC.State 0 -> 1"
+  tamper xid "c1 xa_start BEFORE probe: PARAMETER CHANGED by ProbeXaXid: XID[1].formatID 1 -> 0"
+  tamper axp-function "c1 ZKCONNX BEFORE probe: PARAMETER CHANGED by ProbeConn: ZKAXP.Function 4 -> 5"
+  tamper axc "c1 ZKCONNX BEFORE probe: PARAMETER CHANGED by ProbeConn: ZKAXC.ThreadId 1 -> 2"
+  tamper init-reason "c1 INIT probe: PARAMETER CHANGED by ProbeEntry: Reason 0 -> 1"
+}
+
+case_exit_owned_fields() {
+  # The exit's user area, problem-determination area, Feedback and chain
+  # area are its own to change: no error.
+  need_probe
+  ini_stanza probe ProbeEntry "$PROBE" "quiet own-fields" 1
+  run_zkqm --ini qm.ini --scenario "$SCN/tamper.scn"
+  expect_status 0
+  lacks out.log "PARAMETER CHANGED"
+  contains out.log "c1 INIT probe: response OK, DEFAULT_CONTINUATION; chain area set"
+  contains out.log "c1 TERM probe: response OK, DEFAULT_CONTINUATION; chain area cleared"
+}
+
+# ---- chains of exits ---------------------------------------------------------------
+
+case_chain_calls() {
+  # BEFORE functions in chain order, AFTER functions in reverse order; each
+  # exit of the chain has a chain area of its own.
+  need_probe
+  ini_stanza B ProbeEntry "$PROBE" "own-fields" 20
+  ini_stanza A ProbeEntry "$PROBE" "own-fields" 10
+  run_zkqm --ini qm.ini --scenario "$SCN/chain.scn"
+  expect_status 0
+  same_as probe_chain.log out.log
+  same_as probe_chain.err err.txt
+}
+
+case_suppress_chain() {
+  # A answers SUPPRESS_CHAIN: B is not called before the call, nor after.
+  need_probe
+  ini_stanza A ProbeEntry "$PROBE" "suppress-chain" 10
+  ini_stanza B ProbeEntry "$PROBE" "" 20
+  run_zkqm --ini qm.ini --scenario "$SCN/chain.scn"
+  expect_status 0
+  contains out.log "c1   BEFORE A: SUPPRESS_CHAIN"
+  lacks err.txt "probe B: BEFORE ZKPUT"
+  lacks err.txt "probe B: AFTER ZKPUT"
+  contains err.txt "probe A: AFTER ZKPUT"
+}
+
+case_skip_function() {
+  # SKIP_FUNCTION: the put is not made; the AFTER functions still run.
+  need_probe
+  ini_stanza A ProbeEntry "$PROBE" "skip-put" 10
+  run_zkqm --ini qm.ini --scenario "$SCN/skip.scn"
+  expect_status 0
+  contains out.log "c1   BEFORE A: response SKIP_FUNCTION"
+  contains out.log "c1   ZKPUT not performed: an exit answered for it"
+  contains err.txt "probe A: AFTER ZKPUT"
+}
+
+case_two_wz_exits() {
+  # The exit library twice in one chain, each with its own data directory
+  # and chain area: both trace, neither changes a parameter.
+  need_wz
+  mkdir -p d1 d2
+  printf '%s\n' ShowXaCalls=yes ShowDataConvOnGet=yes >d1/wz.def
+  cp d1/wz.def d2/wz.def
+  ini_stanza wz1 wzEntry "$WZLIB" "$WORK/d1" 1
+  ini_stanza wz2 wzEntry "$WZLIB" "$WORK/d2" 2
+  run_zkqm --ini qm.ini --scenario "$BUNDLED/demo.scn"
+  expect_status 0
+  lacks out.log "PARAMETER CHANGED"
+  contains out.log "shop   BEFORE wz2: PutBefore"
+  same_application_view demo
+  ls d1/wz_*.txt >/dev/null 2>&1 || fail "the first exit wrote no trace"
+  ls d2/wz_*.txt >/dev/null 2>&1 || fail "the second exit wrote no trace"
+}
+
+# ---- the scenario language and the level display ----------------------------------
+
+case_scenario_blocks() {
+  printf 'repeat 2 {\necho x\n' >bad.scn
+  run_zkqm --no-exit --scenario bad.scn
+  expect_status 2
+  contains err.txt "bad.scn:1: the block opened here is not closed with '}'"
+  printf 'echo x\n}\n' >bad.scn
+  run_zkqm --no-exit --scenario bad.scn
+  expect_status 2
+  contains err.txt "bad.scn:2: '}' closes no block"
+  printf 'message m {\n  xqh Bogus=1\n}\n' >bad.scn
+  run_zkqm --no-exit --scenario bad.scn
+  expect_status 2
+  contains err.txt "bad.scn:2: unknown key 'Bogus'"
+  printf 'parallel {\n  echo x\n}\n' >bad.scn
+  run_zkqm --no-exit --scenario bad.scn
+  expect_status 2
+  contains err.txt "a parallel block holds only thread and process blocks"
+  printf 'connection c1\nput c1 q md.NoSuchField=1\n' >bad.scn
+  run_zkqm --no-exit --scenario bad.scn
+  expect_status 2
+  contains err.txt "bad.scn:2: 'md.NoSuchField': ZKMD has no such field"
+  printf 'connection c1\nget c1 q options=NO_SUCH_OPTION\n' >bad.scn
+  run_zkqm --no-exit --scenario bad.scn
+  expect_status 2
+  contains err.txt "'NO_SUCH_OPTION' is neither a number nor a constant"
+  # Loop variables, and an expectation that fails inside a loop.
+  printf 'connection c1\nconnect c1\nrepeat 2 var=k {\n  expect c1 compcode ${k}\n}\n' >loop.scn
+  run_zkqm --no-exit --scenario loop.scn
+  expect_status 1
+  contains out.log ">> expect c1 compcode 1"
+  contains out.log "c1 EXPECTATION FAILED (line 4): compcode is 0, expected 1"
+  contains out.log "c1 EXPECTATION FAILED (line 4): compcode is 0, expected 2"
+}
+
+case_deterministic_log() {
+  # Threads and processes: the log is the same from run to run.
+  run_zkqm --no-exit --scenario "$BUNDLED/load.scn"
+  expect_status 0
+  mv out.log first.log
+  run_zkqm --no-exit --scenario "$BUNDLED/load.scn"
+  expect_status 0
+  cmp -s first.log out.log || fail "two runs of load.scn gave different logs"
+}
+
+case_dspzkver() {
+  [ -x "$DSPZKVER" ] || fail "dspzkver has not been built"
+  "$DSPZKVER" >out.txt 2>err.txt
+  status=$?
+  [ "$status" -eq 0 ] || fail "dspzkver exit status $status"
+  grep -qE '^Name: +ZK$' out.txt || fail "no Name line: $(cat out.txt)"
+  grep -qE '^Version: +[0-9]+\.[0-9]+\.[0-9]+\.[0-9]+$' out.txt || fail "no Version line"
+  grep -qE '^Level: +[a-z][0-9]+-L[0-9]{6}$' out.txt || fail "no Level line"
+  grep -qE '^BuildType: +[A-Z]{4} - \(Production\)$' out.txt || fail "no BuildType line"
+  "$DSPZKVER" --bogus >out.txt 2>err.txt
+  [ $? -eq 2 ] || fail "dspzkver accepted an unknown argument"
 }
 
 fn="case_$case_name"

@@ -1,0 +1,459 @@
+/* An API exit for testing zkqm's calls and its parameter check.
+ *
+ * Its entry function ProbeEntry registers a function for every exit point
+ * that the queue manager offers: BEFORE and AFTER of every ZKI call and of
+ * the message-consumer callback, BEFORE of the data-conversion point of
+ * ZKGET, and BEFORE and AFTER of the transaction-manager calls. Each
+ * function has the parameter list of its call. It reports every call on
+ * standard error as "probe <name>: BEFORE ZKPUT", so that a test can see
+ * the order in which the exits of a chain are called.
+ *
+ * Words in the exit data (blank-separated) make it misbehave in exactly one
+ * way, so that a test can show that zkqm catches it:
+ *   quiet          no report per call
+ *   md-priority    ZKPUT BEFORE: adds 1 to the ZKMD Priority
+ *   compcode       ZKPUT AFTER: sets the CompCode to 1
+ *   reason         ZKGET AFTER: sets the Reason to 2033
+ *   buffer         ZKPUT BEFORE: changes the first byte of the message data
+ *   hobj           ZKPUT BEFORE: adds 1 to the object handle
+ *   md-pointer     ZKPUT BEFORE: points the ZKMD address at a copy
+ *   od-name        ZKOPEN BEFORE: changes the first character of ObjectName
+ *   cd             ZKCONNX BEFORE: changes the BatchSize of the channel
+ *                  definition, reached by pointer or offset
+ *   ldap           ZKCONNX BEFORE: changes the first LDAP user name
+ *   pmr            ZKPUT BEFORE: changes the first byte of the put-message records
+ *   selectors      ZKINQ BEFORE: changes the first selector
+ *   datalength     ZKGET AFTER: changes the data length
+ *   conv-buffer    data-conversion point: changes the first byte of the buffer
+ *   cbc            callback BEFORE: changes the ZKCBC State
+ *   xid            xa_start BEFORE: changes the XID's formatID
+ *   axp-function   every BEFORE: changes ZKAXP Function
+ *   axc            every BEFORE: changes ZKAXC ThreadId
+ *   init-reason    INIT: sets the Reason to 1
+ *   own-fields     every call: changes the fields that are the exit's own
+ *                  (user area, problem-determination area, Feedback,
+ *                  chain area), which is allowed
+ *   suppress-chain every BEFORE: answers SUPPRESS_CHAIN
+ *   skip-put       ZKPUT BEFORE: answers SKIP_FUNCTION (the put is not made) */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "zk/zkxfunc.h"
+
+#define EXPORT __attribute__((visibility("default")))
+
+/* A field without its trailing blanks, NUL-terminated, in `out`. */
+static const char *field(const char *f, size_t width, char *out) {
+  size_t n = width;
+  memcpy(out, f, width);
+  while (n > 0 && (out[n - 1] == ' ' || out[n - 1] == '\0')) {
+    --n;
+  }
+  out[n] = '\0';
+  return out;
+}
+
+static int hasWord(const PZKAXP p, const char *word) {
+  char data[33];
+  char *save = NULL;
+  field(p->ExitData, sizeof p->ExitData, data);
+  for (char *w = strtok_r(data, " ", &save); w != NULL; w = strtok_r(NULL, " ", &save)) {
+    if (strcmp(w, word) == 0) {
+      return 1;
+    }
+  }
+  return 0;
+}
+
+static const char *functionName(ZKLONG f) {
+  static const struct {
+    ZKLONG f;
+    const char *name;
+  } names[] = {{ZKXF_CONN, "ZKCONN"},
+               {ZKXF_CONNX, "ZKCONNX"},
+               {ZKXF_DISC, "ZKDISC"},
+               {ZKXF_OPEN, "ZKOPEN"},
+               {ZKXF_CLOSE, "ZKCLOSE"},
+               {ZKXF_PUT1, "ZKPUT1"},
+               {ZKXF_PUT, "ZKPUT"},
+               {ZKXF_GET, "ZKGET"},
+               {ZKXF_DATA_CONV_ON_GET, "DATA_CONV_ON_GET"},
+               {ZKXF_INQ, "ZKINQ"},
+               {ZKXF_SET, "ZKSET"},
+               {ZKXF_BEGIN, "ZKBEGIN"},
+               {ZKXF_CMIT, "ZKCMIT"},
+               {ZKXF_BACK, "ZKBACK"},
+               {ZKXF_STAT, "ZKSTAT"},
+               {ZKXF_SUB, "ZKSUB"},
+               {ZKXF_SUBRQ, "ZKSUBRQ"},
+               {ZKXF_CTL, "ZKCTL"},
+               {ZKXF_CB, "ZKCB"},
+               {ZKXF_CALLBACK, "CALLBACK"},
+               {ZKXF_XACLOSE, "xa_close"},
+               {ZKXF_XACOMMIT, "xa_commit"},
+               {ZKXF_XACOMPLETE, "xa_complete"},
+               {ZKXF_XAEND, "xa_end"},
+               {ZKXF_XAFORGET, "xa_forget"},
+               {ZKXF_XAOPEN, "xa_open"},
+               {ZKXF_XAPREPARE, "xa_prepare"},
+               {ZKXF_XARECOVER, "xa_recover"},
+               {ZKXF_XAROLLBACK, "xa_rollback"},
+               {ZKXF_XASTART, "xa_start"},
+               {ZKXF_AXREG, "ax_reg"},
+               {ZKXF_AXUNREG, "ax_unreg"}};
+  for (size_t i = 0; i < sizeof names / sizeof names[0]; ++i) {
+    if (names[i].f == f) {
+      return names[i].name;
+    }
+  }
+  return "?";
+}
+
+static int before(const PZKAXP p) {
+  return p->ExitReason == ZKXR_BEFORE;
+}
+
+/* What every function does first: report, and the misbehaviours that do
+ * not depend on the call. */
+static void common(PZKAXP p, PZKAXC c) {
+  char name[49];
+  if (!hasWord(p, "quiet")) {
+    fprintf(stderr, "probe %s: %s %s\n", field(p->ExitInfoName, sizeof p->ExitInfoName, name),
+            before(p) ? "BEFORE" : "AFTER", functionName(p->Function));
+  }
+  if (hasWord(p, "own-fields")) {
+    p->ExitUserArea[0] ^= 0x5A;
+    p->ExitPDArea[0] ^= 0x5A;
+    p->Feedback += 1;
+  }
+  if (before(p) && hasWord(p, "axp-function")) {
+    p->Function += 1;
+  }
+  if (before(p) && hasWord(p, "axc")) {
+    c->ThreadId += 1;
+  }
+  if (before(p) && hasWord(p, "suppress-chain")) {
+    p->ExitResponse2 = ZKXR2_SUPPRESS_CHAIN;
+  }
+}
+
+EXPORT ZK_INIT_EXIT ProbeEntry;
+EXPORT ZK_INIT_EXIT ProbeInit;
+EXPORT ZK_TERM_EXIT ProbeTerm;
+
+void ProbeInit(PZKAXP p, PZKAXC c, PZKLONG cc, PZKLONG rc) {
+  (void)p, (void)c, (void)cc, (void)rc;
+}
+
+void ProbeTerm(PZKAXP p, PZKAXC c, PZKLONG cc, PZKLONG rc) {
+  (void)c, (void)cc, (void)rc;
+  char name[49];
+  if (!hasWord(p, "quiet")) {
+    fprintf(stderr, "probe %s: TERM\n", field(p->ExitInfoName, sizeof p->ExitInfoName, name));
+  }
+  if (hasWord(p, "own-fields") && p->ExitChainAreaPtr != NULL) {
+    free(p->ExitChainAreaPtr);
+    p->ExitChainAreaPtr = NULL;
+  }
+}
+
+EXPORT void ProbeConn(PZKAXP p, PZKAXC c, PZKCHAR q, PPZKCNO cno, PPZKHCONN h, PZKLONG cc,
+                      PZKLONG rc) {
+  (void)q, (void)h, (void)cc, (void)rc;
+  common(p, c);
+  if (!before(p) || *cno == NULL || p->Function != ZKXF_CONNX) {
+    return;
+  }
+  PZKCNO o = *cno;
+  if (hasWord(p, "cd") && o->Version >= 2) {
+    PZKCD cd = o->ClientConnPtr != NULL   ? (PZKCD)o->ClientConnPtr
+               : o->ClientConnOffset != 0 ? (PZKCD)((char *)o + o->ClientConnOffset)
+                                          : NULL;
+    if (cd != NULL) {
+      cd->BatchSize += 1;
+    }
+  }
+  if (hasWord(p, "ldap") && o->Version >= 4) {
+    PZKSCO sco = o->SSLConfigPtr != NULL   ? (PZKSCO)o->SSLConfigPtr
+                 : o->SSLConfigOffset != 0 ? (PZKSCO)((char *)o + o->SSLConfigOffset)
+                                           : NULL;
+    if (sco != NULL && sco->AuthInfoRecCount > 0) {
+      PZKAIR air = sco->AuthInfoRecPtr != NULL   ? (PZKAIR)sco->AuthInfoRecPtr
+                   : sco->AuthInfoRecOffset != 0 ? (PZKAIR)((char *)sco + sco->AuthInfoRecOffset)
+                                                 : NULL;
+      char *user = air == NULL                    ? NULL
+                   : air->LDAPUserNamePtr != NULL ? (char *)air->LDAPUserNamePtr
+                   : air->LDAPUserNameOffset != 0 ? (char *)air + air->LDAPUserNameOffset
+                                                  : NULL;
+      if (user != NULL && air->LDAPUserNameLength > 0) {
+        user[0] ^= 0x20;
+      }
+    }
+  }
+}
+
+EXPORT void ProbeDisc(PZKAXP p, PZKAXC c, PPZKHCONN h, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeOpen(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKOD od, PZKLONG o, PPZKHOBJ hobj,
+                      PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)o, (void)hobj, (void)cc, (void)rc;
+  common(p, c);
+  if (before(p) && hasWord(p, "od-name") && *od != NULL) {
+    (*od)->ObjectName[0] = 'X';
+  }
+}
+
+EXPORT void ProbeClose(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKHOBJ hobj, PZKLONG o, PZKLONG cc,
+                       PZKLONG rc) {
+  (void)h, (void)hobj, (void)o, (void)cc, (void)rc;
+  common(p, c);
+}
+
+static ZKMD mdCopy;
+
+static void putCommon(PZKAXP p, PZKHOBJ hobj, PPZKMD md, PPZKPMO pmo, PZKLONG length,
+                      PPZKVOID buffer, PZKLONG cc) {
+  if (before(p)) {
+    if (hasWord(p, "md-priority") && *md != NULL) {
+      (*md)->Priority += 1;
+    }
+    if (hasWord(p, "buffer") && *buffer != NULL && *length > 0) {
+      ((unsigned char *)*buffer)[0] ^= 0x01;
+    }
+    if (hasWord(p, "hobj") && hobj != NULL) {
+      *hobj += 1;
+    }
+    if (hasWord(p, "md-pointer") && *md != NULL) {
+      mdCopy = **md;
+      *md = &mdCopy;
+    }
+    if (hasWord(p, "pmr") && *pmo != NULL && (*pmo)->Version >= 2 && (*pmo)->RecsPresent > 0) {
+      PZKPMO o = *pmo;
+      unsigned char *rec = o->PutMsgRecPtr != NULL   ? (unsigned char *)o->PutMsgRecPtr
+                           : o->PutMsgRecOffset != 0 ? (unsigned char *)o + o->PutMsgRecOffset
+                                                     : NULL;
+      if (rec != NULL && o->PutMsgRecFields != 0) {
+        rec[0] ^= 0xFF;
+      }
+    }
+    if (hasWord(p, "skip-put")) {
+      p->ExitResponse = ZKXCC_SKIP_FUNCTION;
+    }
+  } else if (hasWord(p, "compcode")) {
+    *cc = ZKCC_WARNING;
+  }
+}
+
+EXPORT void ProbePut(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ hobj, PPZKMD md, PPZKPMO pmo,
+                     PZKLONG length, PPZKVOID buffer, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)rc;
+  common(p, c);
+  putCommon(p, hobj, md, pmo, length, buffer, cc);
+}
+
+EXPORT void ProbePut1(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKOD od, PPZKMD md, PPZKPMO pmo,
+                      PZKLONG length, PPZKVOID buffer, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)od, (void)rc;
+  common(p, c);
+  putCommon(p, NULL, md, pmo, length, buffer, cc);
+}
+
+EXPORT void ProbeGet(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ hobj, PPZKMD md, PPZKGMO gmo,
+                     PZKLONG length, PPZKVOID buffer, PPZKLONG dataLength, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)hobj, (void)md, (void)gmo, (void)cc;
+  common(p, c);
+  if (p->Function == ZKXF_DATA_CONV_ON_GET && hasWord(p, "conv-buffer") && *buffer != NULL &&
+      *length > 0) {
+    ((unsigned char *)*buffer)[0] ^= 0x01;
+  }
+  if (!before(p) && hasWord(p, "reason")) {
+    *rc = 2033;
+  }
+  if (!before(p) && hasWord(p, "datalength") && *dataLength != NULL) {
+    **dataLength += 1;
+  }
+}
+
+EXPORT void ProbeInq(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ hobj, PZKLONG count,
+                     PPZKLONG selectors, PZKLONG intCount, PPZKLONG ints, PZKLONG charLength,
+                     PPZKCHAR chars, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)hobj, (void)intCount, (void)ints, (void)charLength, (void)chars, (void)cc,
+      (void)rc;
+  common(p, c);
+  if (before(p) && p->Function == ZKXF_INQ && hasWord(p, "selectors") && *count > 0 &&
+      *selectors != NULL) {
+    (*selectors)[0] += 1;
+  }
+}
+
+EXPORT void ProbeBegin(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKBO bo, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)bo, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeCmit(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeStat(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG type, PPZKSTS sts, PZKLONG cc,
+                      PZKLONG rc) {
+  (void)h, (void)type, (void)sts, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeSub(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKSD sd, PPZKHOBJ hobj, PPZKHSUB hsub,
+                     PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)sd, (void)hobj, (void)hsub, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeSubrq(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHSUB hsub, PZKLONG action, PPZKSRO sro,
+                       PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)hsub, (void)action, (void)sro, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeCtl(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG op, PPZKCTLO ctlo, PZKLONG cc,
+                     PZKLONG rc) {
+  (void)h, (void)op, (void)ctlo, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeCb(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG op, PPZKCBD cbd, PZKHOBJ hobj,
+                    PPZKMD md, PPZKGMO gmo, PZKLONG cc, PZKLONG rc) {
+  (void)h, (void)op, (void)cbd, (void)hobj, (void)md, (void)gmo, (void)cc, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeCallback(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKMD md, PPZKGMO gmo, PPZKVOID buffer,
+                          PPZKCBC cbc) {
+  (void)h, (void)md, (void)gmo, (void)buffer;
+  common(p, c);
+  if (before(p) && hasWord(p, "cbc") && *cbc != NULL) {
+    (*cbc)->State += 1;
+  }
+}
+
+EXPORT void ProbeXaOpen(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKCHAR info, PZKLONG rmid, PZKLONG flags,
+                        PZKLONG rc) {
+  (void)h, (void)info, (void)rmid, (void)flags, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeXaXid(PZKAXP p, PZKAXC c, PZKHCONN h, PZKPTR xid, PZKLONG rmid, PZKLONG flags,
+                       PZKLONG rc) {
+  (void)h, (void)rmid, (void)flags, (void)rc;
+  common(p, c);
+  if (before(p) && p->Function == ZKXF_XASTART && hasWord(p, "xid") && *xid != NULL) {
+    ((unsigned char *)*xid)[0] ^= 0x01;
+  }
+}
+
+EXPORT void ProbeXaRecover(PZKAXP p, PZKAXC c, PZKHCONN h, PZKPTR xids, PZKLONG count, PZKLONG rmid,
+                           PZKLONG flags, PZKLONG rc) {
+  (void)h, (void)xids, (void)count, (void)rmid, (void)flags, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeXaComplete(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKLONG handle, PPZKLONG retval,
+                            PZKLONG rmid, PZKLONG flags, PZKLONG rc) {
+  (void)h, (void)handle, (void)retval, (void)rmid, (void)flags, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeAxReg(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG rmid, PZKPTR xid, PZKLONG flags,
+                       PZKLONG rc) {
+  (void)h, (void)rmid, (void)xid, (void)flags, (void)rc;
+  common(p, c);
+}
+
+EXPORT void ProbeAxUnreg(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG rmid, PZKLONG flags, PZKLONG rc) {
+  (void)h, (void)rmid, (void)flags, (void)rc;
+  common(p, c);
+}
+
+/* The chain area of this exit: the header every chain area begins with. */
+static ZKACH *chainArea(const PZKAXP p) {
+  ZKACH *area = calloc(1, sizeof *area);
+  if (area != NULL) {
+    memcpy(area->StrucId, ZKACH_STRUC_ID, 4);
+    area->Version = ZKACH_VERSION_1;
+    area->StrucLength = ZKACH_LENGTH_1;
+    area->ChainAreaLength = sizeof *area;
+    memcpy(area->ExitInfoName, p->ExitInfoName, sizeof area->ExitInfoName);
+  }
+  return area;
+}
+
+void ProbeEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
+  static const struct {
+    ZKLONG function;
+    PZKFUNC entry;
+    int after;
+  } table[] = {
+      {ZKXF_CONN, (PZKFUNC)ProbeConn, 1},
+      {ZKXF_CONNX, (PZKFUNC)ProbeConn, 1},
+      {ZKXF_DISC, (PZKFUNC)ProbeDisc, 1},
+      {ZKXF_OPEN, (PZKFUNC)ProbeOpen, 1},
+      {ZKXF_CLOSE, (PZKFUNC)ProbeClose, 1},
+      {ZKXF_PUT1, (PZKFUNC)ProbePut1, 1},
+      {ZKXF_PUT, (PZKFUNC)ProbePut, 1},
+      {ZKXF_GET, (PZKFUNC)ProbeGet, 1},
+      {ZKXF_DATA_CONV_ON_GET, (PZKFUNC)ProbeGet, 0},
+      {ZKXF_INQ, (PZKFUNC)ProbeInq, 1},
+      {ZKXF_SET, (PZKFUNC)ProbeInq, 1},
+      {ZKXF_BEGIN, (PZKFUNC)ProbeBegin, 1},
+      {ZKXF_CMIT, (PZKFUNC)ProbeCmit, 1},
+      {ZKXF_BACK, (PZKFUNC)ProbeCmit, 1},
+      {ZKXF_STAT, (PZKFUNC)ProbeStat, 1},
+      {ZKXF_SUB, (PZKFUNC)ProbeSub, 1},
+      {ZKXF_SUBRQ, (PZKFUNC)ProbeSubrq, 1},
+      {ZKXF_CTL, (PZKFUNC)ProbeCtl, 1},
+      {ZKXF_CB, (PZKFUNC)ProbeCb, 1},
+      {ZKXF_CALLBACK, (PZKFUNC)ProbeCallback, 1},
+      {ZKXF_XAOPEN, (PZKFUNC)ProbeXaOpen, 1},
+      {ZKXF_XACLOSE, (PZKFUNC)ProbeXaOpen, 1},
+      {ZKXF_XASTART, (PZKFUNC)ProbeXaXid, 1},
+      {ZKXF_XAEND, (PZKFUNC)ProbeXaXid, 1},
+      {ZKXF_XAPREPARE, (PZKFUNC)ProbeXaXid, 1},
+      {ZKXF_XACOMMIT, (PZKFUNC)ProbeXaXid, 1},
+      {ZKXF_XAROLLBACK, (PZKFUNC)ProbeXaXid, 1},
+      {ZKXF_XAFORGET, (PZKFUNC)ProbeXaXid, 1},
+      {ZKXF_XARECOVER, (PZKFUNC)ProbeXaRecover, 1},
+      {ZKXF_XACOMPLETE, (PZKFUNC)ProbeXaComplete, 1},
+      {ZKXF_AXREG, (PZKFUNC)ProbeAxReg, 1},
+      {ZKXF_AXUNREG, (PZKFUNC)ProbeAxUnreg, 1},
+  };
+  ZKLONG cc = 0, rc = 0;
+  (void)c;
+  p->ExitResponse = ZKXCC_FAILED;
+  p->ExitResponse2 = ZKXR2_SUPPRESS_CHAIN;
+  ZKXEP(p->Hconfig, ZKXR_CONNECTION, ZKXF_INIT, (PZKFUNC)ProbeInit, NULL, &cc, &rc);
+  ZKXEP(p->Hconfig, ZKXR_CONNECTION, ZKXF_TERM, (PZKFUNC)ProbeTerm, NULL, &cc, &rc);
+  for (size_t i = 0; i < sizeof table / sizeof table[0]; ++i) {
+    ZKXEP(p->Hconfig, ZKXR_BEFORE, table[i].function, table[i].entry, NULL, &cc, &rc);
+    if (rc != 0) {
+      return;
+    }
+    if (table[i].after) {
+      ZKXEP(p->Hconfig, ZKXR_AFTER, table[i].function, table[i].entry, NULL, &cc, &rc);
+      if (rc != 0) {
+        return;
+      }
+    }
+  }
+  if (hasWord(p, "init-reason")) {
+    *pReason = 1;
+  }
+  (void)pCompCode;
+  if (p->ExitChainAreaPtr == NULL && hasWord(p, "own-fields")) {
+    p->ExitChainAreaPtr = chainArea(p);
+  }
+  p->ExitResponse = ZKXCC_OK;
+  p->ExitResponse2 = ZKXR2_DEFAULT_CONTINUATION;
+}
