@@ -5,8 +5,10 @@ build=${1:-build}
 root=$(cd "$(dirname "$0")/.." && pwd)
 data=/tmp/wz-demo/
 rm -rf "$data" && mkdir -p "$data"
+cp "$root/sim/scenarios/demo.def" "$data/wz.def"
 ini="$build/sim/qm.ini"
-echo "== zkqm runs the sample application with the exit $build/lib/libwz.so (data directory $data)"
+echo "== zkqm runs the sample application with the exit $build/lib/libwz.so"
+echo "== (data directory $data, parameter file sim/scenarios/demo.def)"
 "$build/bin/zkqm" --ini "$ini" --scenario "$root/sim/scenarios/demo.scn"
 echo
 echo "== files in $data"
