@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the build and the tests need, when it is missing.
 set -euo pipefail
-packages=(g++-multilib cmake make googletest binutils file gzip)
+packages=(g++-multilib cmake make googletest binutils file gzip bc)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -59,6 +59,9 @@ void runAfter(Connection &connection, ApiCall &call, const BeforeOutcome &before
 void runExitPoint(Connection &connection, ApiCall &call);
 
 // Parameter errors found so far in this process (for the exit status).
+// Whether each exit call is checked for changed parameters (on unless a
+// benchmark turns it off).
+void setParameterCheck(bool on);
 int parameterErrors();
 
 } // namespace zkqm

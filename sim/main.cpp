@@ -28,15 +28,18 @@ struct Options {
   std::string scenario;
   std::string log;
   bool noExit = false;
+  bool noCheck = false;
 };
 
 void usage(FILE *out) {
-  std::fputs("usage: zkqm --ini QM.INI --scenario FILE [--log FILE] [--no-exit]\n"
+  std::fputs("usage: zkqm --ini QM.INI --scenario FILE [--log FILE] [--no-exit] [--no-check]\n"
              "  --ini FILE       configuration with ApiExitLocal stanzas\n"
              "  --scenario FILE  the commands to run (see sim/README.md)\n"
              "  --log FILE       write the log to FILE instead of standard output\n"
              "  --no-exit        load no exit: the connections run without any\n"
-             "                   (--ini is then optional)\n",
+             "                   (--ini is then optional)\n"
+             "  --no-check       do not check after each exit call that the exit\n"
+             "                   changed nothing (for benchmarks only)\n",
              out);
 }
 
@@ -65,6 +68,8 @@ bool parseArguments(int argc, char **argv, Options &options) {
       }
     } else if (arg == "--no-exit") {
       options.noExit = true;
+    } else if (arg == "--no-check") {
+      options.noCheck = true;
     } else if (arg == "--help" || arg == "-h") {
       usage(stdout);
       std::exit(kExitOk);
@@ -125,6 +130,7 @@ int main(int argc, char **argv) {
     return kExitUsage;
   }
 
+  setParameterCheck(!options.noCheck);
   ExitChain chain;
   if (options.noExit) {
     log.line("exits: none (--no-exit)");
