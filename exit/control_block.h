@@ -54,6 +54,7 @@ struct QueueHandleEntry {
   char QueueName[49];
   char ResolvedQueueName[49];
   uint8_t OpenFlag, CloseFlag, PutFlag, GetFlag, InqFlag, SetFlag;
+  uint8_t ResolvedDiffers; // ResolvedQueueName is set and is not QueueName
 };
 
 struct ExitControlBlock {
@@ -88,6 +89,12 @@ struct ExitControlBlock {
   struct timeval ApiBeforeTime; // before-time of the current ZKI call
   struct timeval XaBeforeTime;  // before-time of the current transaction-manager call
   char RecordTimeText[64];      // time stamp of the record being written
+  // The record time stamp's text up to its microseconds ("[YYYY/MM/DD
+  // hh:mm:ss."), kept for the second it shows: the local time is broken
+  // down once per second, not once per record.
+  time_t StampSecond;
+  int32_t StampPrefixLength; // 0: nothing kept yet
+  char StampPrefix[72];
   uint32_t LastPrintedSequence;
   uint8_t NoAddress; // leave storage addresses out of dump titles
   uint8_t SuppressProcessChangeNotes;

@@ -115,48 +115,42 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
   fclose(file);
 }
 
-void CountInto(CallCounterRecord *record, CallCounterRecord *total, int32_t resultClass,
-               uint8_t timeGiven, int64_t elapsed, uint8_t secondGiven, int64_t secondMeasure) {
+// The call in a record and in its period's totals: the call count and the
+// counter of its result class.
+void CountCall(CallCounterRecord *record, CallCounterRecord *total, int32_t resultClass) {
   record->CallCount++;
   total->CallCount++;
-  uint32_t CallCounterRecord::*classCounter = &CallCounterRecord::ErrorCount;
   switch (resultClass) {
   case RESULT_OK:
-    classCounter = &CallCounterRecord::OkCount;
+    record->OkCount++;
+    total->OkCount++;
     break;
   case RESULT_EXPECTED_FAILURE:
-    classCounter = &CallCounterRecord::ExpectedFailureCount;
+    record->ExpectedFailureCount++;
+    total->ExpectedFailureCount++;
     break;
   case RESULT_WARNING:
-    classCounter = &CallCounterRecord::WarningCount;
+    record->WarningCount++;
+    total->WarningCount++;
     break;
   default:
+    record->ErrorCount++;
+    total->ErrorCount++;
     break;
   }
-  (record->*classCounter)++;
-  (total->*classCounter)++;
-  if (timeGiven) {
-    if (record->TimedCalls == 0) {
-      record->MinimumTime = record->MaximumTime = elapsed;
-    } else if (elapsed < record->MinimumTime) {
-      record->MinimumTime = elapsed;
-    } else if (elapsed > record->MaximumTime) {
-      record->MaximumTime = elapsed;
-    }
-    record->TotalTime += elapsed;
-    record->TimedCalls++;
+}
+
+// One more value of a measure: its minimum, maximum, total and count.
+void AddMeasure(int64_t *minimum, int64_t *maximum, int64_t *total, int64_t *count, int64_t value) {
+  if (*count == 0) {
+    *minimum = *maximum = value;
+  } else if (value < *minimum) {
+    *minimum = value;
+  } else if (value > *maximum) {
+    *maximum = value;
   }
-  if (secondGiven) {
-    if (record->SecondCount == 0) {
-      record->SecondMinimum = record->SecondMaximum = secondMeasure;
-    } else if (secondMeasure < record->SecondMinimum) {
-      record->SecondMinimum = secondMeasure;
-    } else if (secondMeasure > record->SecondMaximum) {
-      record->SecondMaximum = secondMeasure;
-    }
-    record->SecondTotal += secondMeasure;
-    record->SecondCount++;
-  }
+  *total += value;
+  (*count)++;
 }
 
 } // namespace
@@ -171,8 +165,7 @@ void SetTimeBeforeApiCallXa(ExitControlBlock *cb) {
 
 void ReformatProcessTime(char *text, int32_t, int64_t microseconds) {
   // The buffer size is not consulted: callers pass room for any 64-bit value.
-  sprintf(text, "%5lld.%06lld", (long long)(microseconds / 1000000),
-          (long long)(microseconds % 1000000));
+  FormatProcessTime(text, microseconds);
 }
 
 int64_t CalculateApiCallTimeAndShow(ExitControlBlock *cb, int32_t function,
@@ -209,13 +202,23 @@ void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *
   if (AlertWanted(cb->Settings, resultClass) && !AlertSuppressed(cb, function, compCode, reason)) {
     WriteAlertLine(cb, function, compCode, reason);
   }
-  if (first != nullptr) {
-    CountInto(first, &cb->Totals[COUNTER_CUMULATIVE], resultClass, timeGiven, elapsed, secondGiven,
-              secondMeasure);
-  }
-  if (second != nullptr) {
-    CountInto(second, &cb->Totals[COUNTER_SPLIT], resultClass, timeGiven, elapsed, secondGiven,
-              secondMeasure);
+  // The first record counts with the totals of the cumulative period, the
+  // second with those of the split period.
+  CallCounterRecord *records[2] = {first, second};
+  for (int32_t period = COUNTER_CUMULATIVE; period <= COUNTER_SPLIT; period++) {
+    CallCounterRecord *record = records[period];
+    if (record == nullptr) {
+      continue;
+    }
+    CountCall(record, &cb->Totals[period], resultClass);
+    if (timeGiven) {
+      AddMeasure(&record->MinimumTime, &record->MaximumTime, &record->TotalTime,
+                 &record->TimedCalls, elapsed);
+    }
+    if (secondGiven) {
+      AddMeasure(&record->SecondMinimum, &record->SecondMaximum, &record->SecondTotal,
+                 &record->SecondCount, secondMeasure);
+    }
   }
 }
 
@@ -229,18 +232,44 @@ int32_t CalculateZkpmrUnitLength(int32_t fields) {
   return length;
 }
 
-int32_t StatisticsIndexOfFunction(int32_t function) {
-  static const int32_t kOrder[STATISTICS_FUNCTION_COUNT] = {
-      ZKXF_CONN,     ZKXF_CONNX,     ZKXF_DISC,      ZKXF_OPEN,       ZKXF_CLOSE,   ZKXF_GET,
-      ZKXF_PUT,      ZKXF_PUT1,      ZKXF_SET,       ZKXF_INQ,        ZKXF_CMIT,    ZKXF_BACK,
-      ZKXF_BEGIN,    ZKXF_STAT,      ZKXF_SUB,       ZKXF_SUBRQ,      ZKXF_CTL,     ZKXF_CB,
-      ZKXF_CALLBACK, ZKXF_XACLOSE,   ZKXF_XACOMMIT,  ZKXF_XACOMPLETE, ZKXF_XAEND,   ZKXF_XAFORGET,
-      ZKXF_XAOPEN,   ZKXF_XAPREPARE, ZKXF_XARECOVER, ZKXF_XAROLLBACK, ZKXF_XASTART, ZKXF_AXREG,
-      ZKXF_AXUNREG};
-  for (int32_t i = 0; i < STATISTICS_FUNCTION_COUNT; i++) {
-    if (kOrder[i] == function) {
-      return i;
-    }
+namespace {
+
+// The functions with counter records, in summary order.
+constexpr int32_t kStatisticsOrder[STATISTICS_FUNCTION_COUNT] = {
+    ZKXF_CONN,     ZKXF_CONNX,     ZKXF_DISC,      ZKXF_OPEN,       ZKXF_CLOSE,   ZKXF_GET,
+    ZKXF_PUT,      ZKXF_PUT1,      ZKXF_SET,       ZKXF_INQ,        ZKXF_CMIT,    ZKXF_BACK,
+    ZKXF_BEGIN,    ZKXF_STAT,      ZKXF_SUB,       ZKXF_SUBRQ,      ZKXF_CTL,     ZKXF_CB,
+    ZKXF_CALLBACK, ZKXF_XACLOSE,   ZKXF_XACOMMIT,  ZKXF_XACOMPLETE, ZKXF_XAEND,   ZKXF_XAFORGET,
+    ZKXF_XAOPEN,   ZKXF_XAPREPARE, ZKXF_XARECOVER, ZKXF_XAROLLBACK, ZKXF_XASTART, ZKXF_AXREG,
+    ZKXF_AXUNREG};
+
+// Function codes run from 1 to ZKXF_AXUNREG: the index of every code is
+// looked up in a table made from the order above when the code is compiled,
+// as every after-call asks for it.
+#define STATISTICS_CODE_LIMIT (ZKXF_AXUNREG + 1)
+
+struct StatisticsIndexTable {
+  int8_t Index[STATISTICS_CODE_LIMIT];
+};
+
+constexpr StatisticsIndexTable MakeStatisticsIndexTable() {
+  StatisticsIndexTable table = {};
+  for (int32_t code = 0; code < STATISTICS_CODE_LIMIT; code++) {
+    table.Index[code] = -1;
   }
-  return -1;
+  for (int32_t i = 0; i < STATISTICS_FUNCTION_COUNT; i++) {
+    table.Index[kStatisticsOrder[i]] = (int8_t)i;
+  }
+  return table;
+}
+
+constexpr StatisticsIndexTable kStatisticsIndex = MakeStatisticsIndexTable();
+
+} // namespace
+
+int32_t StatisticsIndexOfFunction(int32_t function) {
+  if ((uint32_t)function >= (uint32_t)STATISTICS_CODE_LIMIT) {
+    return -1;
+  }
+  return kStatisticsIndex.Index[function];
 }

@@ -100,8 +100,10 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
 
   if (exitReason == ZKXR_BEFORE) {
     if (function != ZKXF_DATA_CONV_ON_GET) {
-      memset(cb->CurrentQueueName, 0, sizeof cb->CurrentQueueName);
-      memset(cb->ResolvedQueueName, 0, sizeof cb->ResolvedQueueName);
+      // Both names are read as strings only, and whatever fills them ends
+      // them with a NUL: emptying them is clearing them.
+      cb->CurrentQueueName[0] = '\0';
+      cb->ResolvedQueueName[0] = '\0';
     }
     switch (function) {
     case ZKXF_OPEN:

@@ -7,6 +7,11 @@
 #include "exit/control_block.h"
 #include "text/string_utils.h"
 
+static_assert(sizeof(QueueHandleEntry::QueueName) == sizeof(ExitControlBlock::CurrentQueueName) &&
+                  sizeof(QueueHandleEntry::ResolvedQueueName) ==
+                      sizeof(ExitControlBlock::ResolvedQueueName),
+              "a handle-list name is copied whole into the current names");
+
 namespace {
 
 // Copies at most 48 characters of a name (NUL-terminated or not) and trims.
@@ -76,6 +81,9 @@ void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
   if (resolvedName48 != nullptr) {
     CopyName48(entry.ResolvedQueueName, resolvedName48);
   }
+  // Decided once here rather than at every look-up of the handle.
+  entry.ResolvedDiffers =
+      entry.ResolvedQueueName[0] != '\0' && strcmp(entry.ResolvedQueueName, entry.QueueName) != 0;
   // Search without the last entry, so the place found is among the sorted ones.
   cb->HandleCount = last;
   char current[49], resolved[49];
@@ -139,10 +147,11 @@ int32_t queueHandleListSearchEntryByHandle(ExitControlBlock *cb, int32_t handle,
   int32_t i = low;
   for (; i <= high; i++) {
     if (list[i].Hobj == handle) {
-      CopyName48(cb->CurrentQueueName, list[i].QueueName);
-      if (list[i].ResolvedQueueName[0] != '\0' &&
-          strcmp(list[i].ResolvedQueueName, list[i].QueueName) != 0) {
-        CopyName48(cb->ResolvedQueueName, list[i].ResolvedQueueName);
+      // The names of an entry were cut to 48 characters and trimmed when
+      // they were stored: they are copied as they are.
+      memcpy(cb->CurrentQueueName, list[i].QueueName, sizeof cb->CurrentQueueName);
+      if (list[i].ResolvedDiffers) {
+        memcpy(cb->ResolvedQueueName, list[i].ResolvedQueueName, sizeof cb->ResolvedQueueName);
       }
       return i;
     }

@@ -6,9 +6,22 @@
 
 struct ExitControlBlock;
 
+// Size of a time stamp text buffer.
+#define TIME_STAMP_TEXT_SIZE 64
+
 // Fills `now` with the time of day; when `text` is given (64 bytes) writes
 // it as "[YYYY/MM/DD hh:mm:ss.uuuuuu]" in local time.
 void SetTimeAndShow(struct timeval *now, char *text);
+
+// The same for the record being written: fills `now` and writes its text
+// into the block's RecordTimeText, reusing the date and time up to the
+// second while the second stays the same. Returns the text's length.
+int32_t SetRecordTimeAndShow(ExitControlBlock *cb, struct timeval *now);
+
+// Writes an elapsed time in microseconds as whole seconds right-aligned in
+// 5 columns, a point and 6 digits ("%5lld.%06lld") with a NUL; returns the
+// length. `text` needs room for 32 bytes.
+int32_t FormatProcessTime(char *text, int64_t microseconds);
 
 // Records the connection's start time and its text in the control block.
 void SetConnectionStartTime(ExitControlBlock *cb);

@@ -106,6 +106,16 @@ void TraceLineAppendUInt32(TraceLine *line, uint32_t value, int32_t width);
 void TraceLineAppendInt64(TraceLine *line, int64_t value, int32_t width);
 // Eight upper-case hex digits, like "%08X".
 void TraceLineAppendHex32(TraceLine *line, uint32_t value);
+
+// The same decimal conversion into a caller's buffer, for text that is not
+// a field line (record headers, time stamps). Writes the number right-aligned
+// in `width` columns (0: no padding) and returns the number of characters
+// written; no NUL is added. Padding is blanks before the sign ("%*lld"), or
+// with zeroPad zeros after it ("%0*lld"). `out` needs room for
+// FORMAT_DECIMAL_SIZE characters or `width`, whichever is more.
+#define FORMAT_DECIMAL_SIZE 20
+int32_t FormatDecimalInt64(char *out, int64_t value, int32_t width, uint8_t zeroPad);
+int32_t FormatDecimalUInt32(char *out, uint32_t value, int32_t width, uint8_t zeroPad);
 // "|> ", the name left-justified in 25 columns (a longer one is not cut), ": ".
 void TraceLineAppendFieldName(TraceLine *line, const char *name);
 

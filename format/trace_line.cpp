@@ -2,6 +2,7 @@
 // and handed to WriteTraceData when the line is done or the buffer is full.
 // Numbers are converted by hand (two digits per step) rather than through
 // the printf family: these run for every field of every traced structure.
+// The record writers and the clock use the same conversion on plain buffers.
 #include <string.h>
 
 #include "format/field_primitives.h"
@@ -62,6 +63,31 @@ void AppendDecimal(TraceLine *line, uint64_t magnitude, bool negative, int32_t w
     TraceLineAppendRepeat(line, ' ', width - length);
   }
   TraceLineAppend(line, first, length);
+}
+
+// The digits of the magnitude with the sign and padding in front; see
+// FormatDecimalInt64.
+int32_t FormatDecimal(char *out, uint64_t magnitude, bool negative, int32_t width,
+                      uint8_t zeroPad) {
+  char digits[24];
+  char *end = digits + sizeof digits;
+  char *first = DigitsBackwards(end, magnitude);
+  int32_t length = (int32_t)(end - first);
+  int32_t pad = width - length - (negative ? 1 : 0);
+  char *p = out;
+  if (pad > 0 && !zeroPad) {
+    memset(p, ' ', (size_t)pad);
+    p += pad;
+  }
+  if (negative) {
+    *p++ = '-';
+  }
+  if (pad > 0 && zeroPad) {
+    memset(p, '0', (size_t)pad);
+    p += pad;
+  }
+  memcpy(p, first, (size_t)length);
+  return (int32_t)(p + length - out);
 }
 
 } // namespace
@@ -158,6 +184,16 @@ void TraceLineAppendInt64(TraceLine *line, int64_t value, int32_t width) {
   bool negative = value < 0;
   uint64_t magnitude = negative ? 0u - (uint64_t)value : (uint64_t)value;
   AppendDecimal(line, magnitude, negative, width);
+}
+
+int32_t FormatDecimalInt64(char *out, int64_t value, int32_t width, uint8_t zeroPad) {
+  bool negative = value < 0;
+  uint64_t magnitude = negative ? 0u - (uint64_t)value : (uint64_t)value;
+  return FormatDecimal(out, magnitude, negative, width, zeroPad);
+}
+
+int32_t FormatDecimalUInt32(char *out, uint32_t value, int32_t width, uint8_t zeroPad) {
+  return FormatDecimal(out, value, false, width, zeroPad);
 }
 
 void TraceLineAppendHex32(TraceLine *line, uint32_t value) {

@@ -57,40 +57,49 @@ bool SimpleRecordWanted(const ExitControlBlock *cb, int32_t function, int32_t co
   return true;
 }
 
-bool AllZero(const uint8_t *bytes, int32_t length) {
-  for (int32_t i = 0; i < length; i++) {
-    if (bytes[i] != 0) {
-      return false;
-    }
+// The 24 zero bytes of an identifier that is not set.
+const ZKBYTE24 kNoIdentifier = {};
+
+// A 24-byte identifier as 48 upper-case hex digits, high digit first, at `p`.
+char *PutIdentifier(char *p, const ZKBYTE24 identifier) {
+  for (size_t i = 0; i < sizeof(ZKBYTE24); i++) {
+    memcpy(p + 2 * i, FieldHexPairs + 2 * identifier[i], 2);
   }
-  return true;
+  return p + 2 * sizeof(ZKBYTE24);
 }
+
+// Longest text of the descriptor's columns: a blank, an identifier, the
+// length, two blanks, an identifier, the sequence number and its note.
+#define DESCRIPTOR_TEXT_SIZE (1 + 48 + 10 + 2 + 48 + FORMAT_DECIMAL_SIZE + 15)
 
 // The descriptor's columns: message id, length, correlation id and the
 // message's place in its group.
 void AppendDescriptor(const ExitControlBlock *cb, RecordText *text, const ZKMD *md,
                       int32_t msgLength) {
-  char hex[2 * sizeof md->MsgId + 1];
-  FormatHexBytes(hex, md->MsgId, (int32_t)sizeof md->MsgId);
-  RecordTextAppend(text, " %s", hex);
+  char columns[DESCRIPTOR_TEXT_SIZE];
+  char *p = columns;
+  *p++ = ' ';
+  p = PutIdentifier(p, md->MsgId);
   if (msgLength != -1) {
-    RecordTextAppend(text, "%10u", (unsigned)msgLength);
+    p += FormatDecimalUInt32(p, (uint32_t)msgLength, 10, 0);
   }
   if (cb->Settings.ShowSummaryCorrelId) {
-    if (AllZero(md->CorrelId, (int32_t)sizeof md->CorrelId)) {
-      RecordTextAppendString(text, "  (null)");
+    if (memcmp(md->CorrelId, kNoIdentifier, sizeof md->CorrelId) == 0) {
+      p = PutLiteral(p, "  (null)");
     } else {
-      FormatHexBytes(hex, md->CorrelId, (int32_t)sizeof md->CorrelId);
-      RecordTextAppend(text, "  %s", hex);
+      p = PutLiteral(p, "  ");
+      p = PutIdentifier(p, md->CorrelId);
     }
   }
   if (md->Version >= ZKMD_VERSION_2) {
     if (md->MsgFlags & MSG_FLAG_LAST_MSG_IN_GROUP) {
-      RecordTextAppend(text, "%8d (End of group)", md->MsgSeqNumber);
+      p += FormatDecimalInt64(p, md->MsgSeqNumber, 8, 0);
+      p = PutLiteral(p, " (End of group)");
     } else if (md->MsgFlags & MSG_FLAG_MSG_IN_GROUP) {
-      RecordTextAppend(text, "%8d", md->MsgSeqNumber);
+      p += FormatDecimalInt64(p, md->MsgSeqNumber, 8, 0);
     }
   }
+  RecordTextAppendScratch(text, columns, p);
 }
 
 // Name of a reason: a queue-manager reason, or the return value of a
@@ -109,10 +118,9 @@ void PutSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason,
                      int32_t msgLength) {
   int32_t function = cb->CurrentFunction;
   struct timeval now;
-  SetTimeAndShow(&now, cb->RecordTimeText);
-  char elapsedText[32];
+  int32_t stampLength = SetRecordTimeAndShow(cb, &now);
   int64_t elapsed = 0;
-  CalculateApiCallTimeAndShow(cb, function, &now, elapsedText, &elapsed);
+  CalculateApiCallTimeAndShow(cb, function, &now, nullptr, &elapsed);
   ZKLONG countCompCode = compCode;
   ZKLONG countReason = reason;
 
@@ -125,24 +133,49 @@ void PutSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason,
     RecordText text;
     RecordTextStart(&text, buffer, sizeof buffer);
     if (cb->NewFileOpened) {
-      RecordTextAppend(&text, "-\n%s%s\n", kSimpleRecordHeading,
-                       cb->Settings.ShowSummaryCorrelId ? "  CorrelId" : "");
+      RecordTextAppendLiteral(&text, "-\n");
+      RecordTextAppendLiteral(&text, kSimpleRecordHeading);
+      if (cb->Settings.ShowSummaryCorrelId) {
+        RecordTextAppendLiteral(&text, "  CorrelId");
+      }
+      RecordTextAppendChar(&text, '\n');
       cb->NewFileOpened = 0;
     }
-    RecordTextAppend(&text, "%8u %s", cb->Totals[COUNTER_CUMULATIVE].CallCount + 1,
-                     cb->RecordTimeText);
-    RecordTextAppend(&text, "  %-11s%3u%5u %s", SearchConstantInt(function, Constant_Function),
-                     (unsigned)compCode, (unsigned)reason, elapsedText);
-    RecordTextAppend(&text, "  %-48s", function < ZKXF_XACLOSE ? cb->CurrentQueueName : "");
+    // The columns around the two names are put together in a scratch line;
+    // the names are appended as they are. Either part fits: a number, a
+    // blank, the time stamp and two blanks; or two numbers, a blank, the
+    // elapsed time (below 32 bytes) and two blanks.
+    char columns[FORMAT_DECIMAL_SIZE + 1 + TIME_STAMP_TEXT_SIZE + 2 + 32];
+    char *p = columns;
+    p += FormatDecimalUInt32(p, cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, 8, 0);
+    *p++ = ' ';
+    memcpy(p, cb->RecordTimeText, (size_t)stampLength);
+    p = PutLiteral(p + stampLength, "  ");
+    RecordTextAppendScratch(&text, columns, p);
+    RecordTextAppendPadded(&text, SearchConstantInt(function, Constant_Function), 11);
+    p = columns;
+    p += FormatDecimalUInt32(p, (uint32_t)compCode, 3, 0);
+    p += FormatDecimalUInt32(p, (uint32_t)reason, 5, 0);
+    *p++ = ' ';
+    p += FormatProcessTime(p, elapsed);
+    p = PutLiteral(p, "  ");
+    RecordTextAppendScratch(&text, columns, p);
+    RecordTextAppendPadded(&text, function < ZKXF_XACLOSE ? cb->CurrentQueueName : "", 48);
     if (md != nullptr && compCode != ZKCC_FAILED) {
       AppendDescriptor(cb, &text, md, msgLength);
     }
     if (reason != 0) {
-      RecordTextAppend(&text, " (%u = %s)", (unsigned)reason, ReasonName(function, reason));
+      p = PutLiteral(columns, " (");
+      p += FormatDecimalUInt32(p, (uint32_t)reason, 0, 0);
+      p = PutLiteral(p, " = ");
+      RecordTextAppendScratch(&text, columns, p);
+      RecordTextAppendString(&text, ReasonName(function, reason));
+      RecordTextAppendLiteral(&text, ")\n");
+    } else {
+      RecordTextAppendChar(&text, '\n');
     }
-    RecordTextAppendString(&text, "\n");
     if (status == 0) {
-      WriteTraceData(cb, buffer);
+      RecordTextWrite(cb, &text);
     }
     if (cb->Settings.WriteAfterEachApi) {
       FlushTraceDataInBuffer(cb);

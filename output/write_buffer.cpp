@@ -12,6 +12,7 @@
 
 #include "exit/alerts.h"
 #include "exit/control_block.h"
+#include "output/record_text.h"
 
 namespace {
 
@@ -64,13 +65,8 @@ void CountWritten(ExitControlBlock *cb, size_t length) {
   }
 }
 
-} // namespace
-
-int32_t WriteTraceData(ExitControlBlock *cb, const char *text) {
-  if (cb == nullptr || text == nullptr) {
-    return -1;
-  }
-  size_t length = strlen(text);
+// WriteTraceData of a text whose length is known.
+int32_t WriteText(ExitControlBlock *cb, const char *text, size_t length) {
   // The handle that is open decides the way of writing, so that a settings
   // change while a file is open cannot lead to an unopened handle.
   if (cb->FileStream != nullptr) {
@@ -99,6 +95,22 @@ int32_t WriteTraceData(ExitControlBlock *cb, const char *text) {
   }
   CountWritten(cb, length);
   return 0;
+}
+
+} // namespace
+
+int32_t WriteTraceData(ExitControlBlock *cb, const char *text) {
+  if (cb == nullptr || text == nullptr) {
+    return -1;
+  }
+  return WriteText(cb, text, strlen(text));
+}
+
+int32_t RecordTextWrite(ExitControlBlock *cb, const RecordText *r) {
+  if (cb == nullptr) {
+    return -1;
+  }
+  return WriteText(cb, r->Buffer, (size_t)r->Length);
 }
 
 int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {
