@@ -19,6 +19,7 @@
 
 #include "exit/alerts.h"
 #include "exit/control_block.h"
+#include "exit/process_id.h"
 #include "output/profile.h"
 #include "output/summary.h"
 
@@ -104,7 +105,7 @@ int32_t SwitchTraceFile(ExitControlBlock *cb) {
   cb->WriteBufferFill = 0;
   // The first write interval runs from the opening of the file.
   cb->LastFlushTime = time(nullptr);
-  cb->RecordedProcessId = (int32_t)getpid();
+  cb->RecordedProcessId = CurrentProcessId();
   cb->RecordedThreadId = CurrentThreadId();
   // The profile banner of a reopened file sets this too; the closing note
   // depends on it, so it is set where the reopening happened.
@@ -204,7 +205,7 @@ int32_t TraceFileIsOpen(const ExitControlBlock *cb) {
 }
 
 void NoteProcessOrThreadChange(ExitControlBlock *cb) {
-  uint32_t processId = (uint32_t)getpid();
+  uint32_t processId = (uint32_t)CurrentProcessId();
   uint32_t threadId = CurrentThreadId();
   if (cb->RecordedProcessId == 0 && cb->RecordedThreadId == 0) {
     cb->RecordedProcessId = (int32_t)processId;
