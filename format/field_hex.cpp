@@ -29,34 +29,14 @@ void AppendCharacterImage(TraceLine *line, const CodeRangeMap *map, const unsign
   int32_t pendingCount = 0;
   for (int32_t i = 0; i < length; i++) {
     unsigned char byte = bytes[i];
-    int32_t accepted = -1;
-    if (pendingCount < CODE_RANGE_POSITIONS) {
-      for (int32_t p = 0; p <= CODE_RANGE_MAX_PATTERNS; p++) {
-        const uint8_t(*pattern)[256] = map->cell[p];
-        if (pattern[0][0] == CODE_RANGE_END) {
-          break;
-        }
-        if (pattern[pendingCount][byte] != CODE_RANGE_ALLOWED) {
-          continue;
-        }
-        int32_t k = 0;
-        while (k < pendingCount && pattern[k][pending[k]] == CODE_RANGE_ALLOWED) {
-          k++;
-        }
-        if (k == pendingCount) {
-          accepted = p;
-          break;
-        }
-      }
-    }
-    if (accepted < 0) {
+    int32_t step = CodeRangeStep(map, pending, pendingCount, byte);
+    if (step == CODE_RANGE_REJECTED) {
       TraceLineAppendRepeat(line, '.', pendingCount + 1);
       pendingCount = 0;
       continue;
     }
     pending[pendingCount++] = byte;
-    if (pendingCount == CODE_RANGE_POSITIONS ||
-        map->cell[accepted][pendingCount][0] == CODE_RANGE_END) {
+    if (step == CODE_RANGE_COMPLETE) {
       TraceLineAppend(line, (const char *)pending, pendingCount);
       pendingCount = 0;
     }

@@ -88,35 +88,19 @@ char *PutPendingAsDots(char *p, PendingCharacter *pending) {
 // character. A byte that no pattern takes turns the pending bytes and itself
 // into dots.
 char *PutCharacterByte(char *p, const CodeRangeMap *map, PendingCharacter *pending, uint8_t b) {
-  int32_t position = pending->count;
-  for (int32_t r = 0; r <= CODE_RANGE_MAX_PATTERNS; r++) {
-    const uint8_t(*pattern)[256] = map->cell[r];
-    if (pattern[0][0] == CODE_RANGE_END) {
-      break; // end of the list of patterns
+  int32_t step = CodeRangeStep(map, pending->bytes, pending->count, b);
+  if (step == CODE_RANGE_REJECTED) {
+    p = PutPendingAsDots(p, pending);
+    *p++ = '.';
+  } else if (step == CODE_RANGE_COMPLETE) {
+    for (int32_t i = 0; i < pending->count; i++) {
+      *p++ = (char)pending->bytes[i];
     }
-    if (pattern[position][b] != CODE_RANGE_ALLOWED) {
-      continue;
-    }
-    int32_t i = 0;
-    while (i < position && pattern[i][pending->bytes[i]] == CODE_RANGE_ALLOWED) {
-      i++;
-    }
-    if (i < position) {
-      continue;
-    }
-    if (position + 1 == CODE_RANGE_POSITIONS || pattern[position + 1][0] == CODE_RANGE_END) {
-      for (i = 0; i < position; i++) {
-        *p++ = (char)pending->bytes[i];
-      }
-      *p++ = (char)b;
-      pending->count = 0;
-    } else {
-      pending->bytes[pending->count++] = b;
-    }
-    return p;
+    *p++ = (char)b;
+    pending->count = 0;
+  } else {
+    pending->bytes[pending->count++] = b;
   }
-  p = PutPendingAsDots(p, pending);
-  *p++ = '.';
   return p;
 }
 

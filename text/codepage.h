@@ -86,3 +86,39 @@ int32_t CodeRangePatternCount(const CodeRangeMap *map);
 // Byte length of the longest character of the map that starts at bytes and
 // fits in the available bytes; 0 when no pattern matches there.
 int32_t CodeRangeCharLength(const CodeRangeMap *map, const uint8_t *bytes, int32_t available);
+
+// One step of walking bytes through the map: `pending` holds the `count`
+// bytes of a character begun so far. Answers CODE_RANGE_REJECTED when no
+// pattern takes `byte` after them (the pending bytes and this one are no
+// character), CODE_RANGE_CONTINUES when a pattern takes it and the
+// character goes on, CODE_RANGE_COMPLETE when the character ends with it.
+// The first pattern that allows every pending byte and this one decides.
+#define CODE_RANGE_REJECTED (-1)
+#define CODE_RANGE_CONTINUES 0
+#define CODE_RANGE_COMPLETE 1
+// Inline: the dumps call it for every byte they show.
+inline int32_t CodeRangeStep(const CodeRangeMap *map, const uint8_t *pending, int32_t count,
+                             uint8_t byte) {
+  if (count >= CODE_RANGE_POSITIONS) {
+    return CODE_RANGE_REJECTED;
+  }
+  for (int32_t p = 0; p <= CODE_RANGE_MAX_PATTERNS; p++) {
+    const uint8_t(*pattern)[256] = map->cell[p];
+    if (pattern[0][0] == CODE_RANGE_END) {
+      break; // end of the list of patterns
+    }
+    if (pattern[count][byte] != CODE_RANGE_ALLOWED) {
+      continue;
+    }
+    int32_t k = 0;
+    while (k < count && pattern[k][pending[k]] == CODE_RANGE_ALLOWED) {
+      k++;
+    }
+    if (k < count) {
+      continue;
+    }
+    bool ends = count + 1 == CODE_RANGE_POSITIONS || pattern[count + 1][0] == CODE_RANGE_END;
+    return ends ? CODE_RANGE_COMPLETE : CODE_RANGE_CONTINUES;
+  }
+  return CODE_RANGE_REJECTED;
+}
