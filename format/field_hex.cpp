@@ -44,23 +44,35 @@ void AppendCharacterImage(TraceLine *line, const CodeRangeMap *map, const unsign
   TraceLineAppendRepeat(line, '.', pendingCount);
 }
 
+// Starts the line of a byte field with its name; the bytes are none when
+// there is no address or a negative length. With the null check, a field
+// that is empty or all zero is written as "(null)" and true comes back,
+// with what writing returned in *written.
+bool StartByteField(TraceLine *line, ExitControlBlock *cb, const char *name,
+                    const unsigned char *data, int32_t *length, uint8_t nullCheck,
+                    int32_t *written) {
+  if (data == nullptr || *length < 0) {
+    *length = 0;
+  }
+  TraceLineStartField(line, cb, name);
+  if (nullCheck != 0 && (*length < 1 || AllZero(data, *length))) {
+    TraceLineAppend(line, "(null)\n", 7);
+    *written = TraceLineWrite(line);
+    return true;
+  }
+  return false;
+}
+
 } // namespace
 
 int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, const void *bytes,
                                      int32_t length, uint8_t nullCheck, uint8_t hex,
                                      uint8_t endOfLine) {
   const unsigned char *data = (const unsigned char *)bytes;
-  if (data == nullptr || length < 0) {
-    length = 0;
-  }
   TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
-  if (nullCheck != 0 && (length < 1 || AllZero(data, length))) {
-    TraceLineAppend(&line, "(null)\n", 7);
-    return TraceLineWrite(&line);
+  int32_t written = 0;
+  if (StartByteField(&line, cb, name, data, &length, nullCheck, &written)) {
+    return written;
   }
   if (hex != 0) {
     for (int32_t i = 0; i < length; i++) {
@@ -83,17 +95,10 @@ int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, con
 int32_t ShowParsedHexValueMultipleLines(ExitControlBlock *cb, const char *name, const void *bytes,
                                         int32_t length, uint8_t nullCheck) {
   const unsigned char *data = (const unsigned char *)bytes;
-  if (data == nullptr || length < 0) {
-    length = 0;
-  }
   TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
-  if (nullCheck != 0 && (length < 1 || AllZero(data, length))) {
-    TraceLineAppend(&line, "(null)\n", 7);
-    return TraceLineWrite(&line);
+  int32_t written = 0;
+  if (StartByteField(&line, cb, name, data, &length, nullCheck, &written)) {
+    return written;
   }
   TraceLineAppendChar(&line, '\n');
   int32_t rc = TraceLineWrite(&line);

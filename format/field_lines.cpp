@@ -19,6 +19,18 @@ void AppendHexOrNull(TraceLine *line, uint32_t value, uint8_t nullFlag) {
   TraceLineAppendHex32(line, value);
 }
 
+// An integer field right-aligned in `width` columns (0: no padding).
+int32_t ShowInt32Field(ExitControlBlock *cb, const char *name, int32_t value, int32_t width,
+                       uint8_t endOfLine) {
+  TraceLine line;
+  TraceLineStartField(&line, cb, name);
+  TraceLineAppendInt32(&line, value, width);
+  if (endOfLine != 0) {
+    TraceLineAppendChar(&line, '\n');
+  }
+  return TraceLineWrite(&line);
+}
+
 } // namespace
 
 int32_t ShowFieldName(ExitControlBlock *cb, const char *name) {
@@ -45,39 +57,18 @@ int32_t ShowDataVersion(ExitControlBlock *cb, const char *structureName, int32_t
 
 int32_t ShowFieldValueZklong(ExitControlBlock *cb, const char *name, int32_t value,
                              uint8_t endOfLine) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
-  TraceLineAppendInt32(&line, value, 0);
-  if (endOfLine != 0) {
-    TraceLineAppendChar(&line, '\n');
-  }
-  return TraceLineWrite(&line);
+  return ShowInt32Field(cb, name, value, 0, endOfLine);
 }
 
 int32_t ShowFieldValueZklongFixedLen(ExitControlBlock *cb, const char *name, int32_t value,
                                      uint8_t endOfLine) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
-  TraceLineAppendInt32(&line, value, 6);
-  if (endOfLine != 0) {
-    TraceLineAppendChar(&line, '\n');
-  }
-  return TraceLineWrite(&line);
+  return ShowInt32Field(cb, name, value, 6, endOfLine);
 }
 
 int32_t ShowFieldValueZkInt64FixedLen(ExitControlBlock *cb, const char *name, uint32_t low,
                                       uint32_t high, const char *description) {
   TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
+  TraceLineStartField(&line, cb, name);
   TraceLineAppendInt64(&line, (int64_t)(((uint64_t)high << 32) | low), 6);
   if (description != nullptr && description[0] != '\0') {
     TraceLineAppend(&line, " (", 2);
@@ -99,10 +90,7 @@ int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const 
     length--;
   }
   TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
+  TraceLineStartField(&line, cb, name);
   // Piece by piece: a zero byte ends the text of its piece only.
   for (int32_t start = 0; start < length; start += FIELD_STRING_PIECE) {
     int32_t end = start + FIELD_STRING_PIECE < length ? start + FIELD_STRING_PIECE : length;

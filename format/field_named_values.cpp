@@ -51,10 +51,7 @@ const char *EncodingNameOf(const EncodingName *names, int32_t code) {
 int32_t ShowParsedCommonCcsid(ExitControlBlock *cb, const char *name, int32_t ccsid,
                               uint8_t fixedWidth) {
   TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
+  TraceLineStartField(&line, cb, name);
   TraceLineAppendInt32(&line, ccsid, fixedWidth != 0 ? 6 : 0);
   TraceLineAppend(&line, " (", 2);
   TraceLineAppendText(&line, SearchConstantCcsidString(ccsid, 0));
@@ -107,10 +104,7 @@ int32_t ShowParsedMsgFormat(ExitControlBlock *cb, const char *format) {
 int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t value,
                                uint8_t fixedWidth, uint8_t endOfLine) {
   TraceLine line;
-  TraceLineStart(&line, cb);
-  if (FieldHasName(name)) {
-    TraceLineAppendFieldName(&line, name);
-  }
+  TraceLineStartField(&line, cb, name);
   TraceLineAppendInt32(&line, value, fixedWidth != 0 ? 6 : 0);
   TraceLineAppend(&line, " (", 2);
   if (value == -1) {

@@ -134,6 +134,14 @@ inline bool FieldHasName(const char *name) {
   return name != nullptr && name[0] != '\0';
 }
 
+// Starts a field line with the name part, when the field has a name.
+inline void TraceLineStartField(TraceLine *line, ExitControlBlock *cb, const char *name) {
+  TraceLineStart(line, cb);
+  if (FieldHasName(name)) {
+    TraceLineAppendFieldName(line, name);
+  }
+}
+
 // "|> " then the name left-justified in 25 columns, then ": ".
 int32_t ShowFieldName(ExitControlBlock *cb, const char *name);
 

@@ -10,20 +10,31 @@ namespace {
 constexpr char kBannerStars[] = "|**********************************\n";
 constexpr int32_t kBannerStarsLength = sizeof kBannerStars - 1;
 
+// Starts the banner of something unknown: the stars, then "|* Unknown : "
+// and its name; the caller adds what is unknown about it.
+void StartUnknownBanner(TraceLine *line, ExitControlBlock *cb, const char *name) {
+  TraceLineStart(line, cb);
+  TraceLineAppend(line, kBannerStars, kBannerStarsLength);
+  TraceLineAppend(line, "|* Unknown : ", 13);
+  TraceLineAppendText(line, name);
+}
+
+// Ends the banner line and closes the banner with the stars.
+int32_t EndUnknownBanner(TraceLine *line) {
+  TraceLineAppendChar(line, '\n');
+  TraceLineAppend(line, kBannerStars, kBannerStarsLength);
+  return TraceLineWrite(line);
+}
+
 } // namespace
 
 int32_t ShowUnknownAttribute(ExitControlBlock *cb, const char *name, uint32_t value) {
   PutMessage(cb, 3101, 0, name, value);
   TraceLine line;
-  TraceLineStart(&line, cb);
-  TraceLineAppend(&line, kBannerStars, kBannerStarsLength);
-  TraceLineAppend(&line, "|* Unknown : ", 13);
-  TraceLineAppendText(&line, name);
+  StartUnknownBanner(&line, cb, name);
   TraceLineAppend(&line, " 0x", 3);
   TraceLineAppendHex32(&line, value);
-  TraceLineAppendChar(&line, '\n');
-  TraceLineAppend(&line, kBannerStars, kBannerStarsLength);
-  int32_t rc = TraceLineWrite(&line);
+  int32_t rc = EndUnknownBanner(&line);
   cb->UnknownAttributeSeen = 1;
   return rc;
 }
@@ -33,13 +44,8 @@ int32_t ShowUnknownStructureVersion(ExitControlBlock *cb, const char *structureN
   cb->UnknownAttributeSeen = 1;
   PutMessage(cb, 3100, 0, structureName, (uint32_t)version);
   TraceLine line;
-  TraceLineStart(&line, cb);
-  TraceLineAppend(&line, kBannerStars, kBannerStarsLength);
-  TraceLineAppend(&line, "|* Unknown : ", 13);
-  TraceLineAppendText(&line, structureName);
+  StartUnknownBanner(&line, cb, structureName);
   TraceLineAppend(&line, " version ", 9);
   TraceLineAppendInt32(&line, version, 0);
-  TraceLineAppendChar(&line, '\n');
-  TraceLineAppend(&line, kBannerStars, kBannerStarsLength);
-  return TraceLineWrite(&line);
+  return EndUnknownBanner(&line);
 }

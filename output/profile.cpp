@@ -45,6 +45,17 @@ void PutSettingLabel(ExitControlBlock *cb, const char *label) {
   }
 }
 
+// A setting that is text: its label, then the text, or "(none)" when it is
+// empty. The text ends at its first zero byte or after `size` bytes.
+void PutTextSetting(ExitControlBlock *cb, const char *label, const char *text, int size) {
+  WriteTraceData(cb, label);
+  if (text[0] != '\0') {
+    PutLine(cb, "%.*s\n", size, text);
+  } else {
+    WriteTraceData(cb, "(none)\n");
+  }
+}
+
 void PutReopenBanner(ExitControlBlock *cb) {
   WriteTraceData(cb, "-");
   WriteTraceData(cb, "\n");
@@ -93,11 +104,8 @@ void PutOperatingEnvironmentLines(ExitControlBlock *cb) {
   PutLine(cb, "|  Machine            : %s\n", system.machine);
   char category[LOCALE_CATEGORY_SIZE];
   char locale[LOCALE_NAME_SIZE];
-  if (GetEnvLocale(category, locale) != nullptr) {
-    PutLine(cb, "|  Locale             : %s\n", locale);
-  } else {
-    WriteTraceData(cb, "|  Locale             : (none)\n");
-  }
+  GetEnvLocale(category, locale); // the locale is empty when there is none
+  PutTextSetting(cb, "|  Locale             : ", locale, (int)sizeof locale);
 }
 
 void PutExitContextLines(ExitControlBlock *cb) {
@@ -124,12 +132,8 @@ void PutExitContextLines(ExitControlBlock *cb) {
 void PutDisplaySettingLines(ExitControlBlock *cb) {
   const ParameterSettings &s = cb->Settings;
   WriteTraceData(cb, "|Process parameters\n");
-  if (s.ParameterFilePath[0] != '\0') {
-    PutLine(cb, "|  Parameter file     : %.*s\n", (int)sizeof s.ParameterFilePath,
-            s.ParameterFilePath);
-  } else {
-    WriteTraceData(cb, "|  Parameter file     : (none)\n");
-  }
+  PutTextSetting(cb, "|  Parameter file     : ", s.ParameterFilePath,
+                 (int)sizeof s.ParameterFilePath);
   PutLine(cb, "|  Check update req   : %d\n", s.CheckUpdateRequestInterval);
 
   PutProfileRecordYesNo(cb, "|  Show summary only  : ", s.ShowSummaryOnly);
@@ -205,8 +209,13 @@ void PutSelectionListLines(ExitControlBlock *cb) {
   }
 }
 
-// The completion and reason code columns of a suppress entry; -1 is "*".
-void PutSuppressCodes(ExitControlBlock *cb, int32_t compCode, int32_t reason) {
+// One suppress entry after its label: completion code, reason code,
+// function (each -1 shown as "*") and object name, then the process name
+// when the entry has one (not null).
+void PutSuppressEntry(ExitControlBlock *cb, const char *label, int32_t compCode, int32_t reason,
+                      int32_t function, const char *objectName, int objectNameSize,
+                      const char *processName, int processNameSize) {
+  WriteTraceData(cb, label);
   if (compCode == PARAMETER_ANY) {
     PutLine(cb, "%c, ", '*');
   } else {
@@ -216,6 +225,16 @@ void PutSuppressCodes(ExitControlBlock *cb, int32_t compCode, int32_t reason) {
     PutLine(cb, "%c   , ", '*');
   } else {
     PutLine(cb, "%4d, ", reason);
+  }
+  if (function == PARAMETER_ANY) {
+    PutLine(cb, "%c      , ", '*');
+  } else {
+    PutLine(cb, "%-7s, ", SearchConstantInt(function, Constant_Function));
+  }
+  if (processName != nullptr) {
+    PutLine(cb, "%.*s, %.*s\n", objectNameSize, objectName, processNameSize, processName);
+  } else {
+    PutLine(cb, "%.*s\n", objectNameSize, objectName);
   }
 }
 
@@ -227,38 +246,20 @@ void PutSuppressListLines(ExitControlBlock *cb) {
 
   for (int32_t i = 0; i < s.PutAlertSuppressCount && i < PARAMETER_LIST_MAX; i++) {
     const AlertSuppressEntry &e = s.PutAlertSuppress[i];
-    WriteTraceData(cb, "|  Suppress alert     : ");
-    PutSuppressCodes(cb, e.CompCode, e.Reason);
-    if (e.Function == PARAMETER_ANY) {
-      PutLine(cb, "%c      , %.*s, %.*s\n", '*', (int)sizeof e.ObjectName, e.ObjectName,
-              (int)sizeof e.ProcessName, e.ProcessName);
-    } else {
-      PutLine(cb, "%-7s, %.*s, %.*s\n", SearchConstantInt(e.Function, Constant_Function),
-              (int)sizeof e.ObjectName, e.ObjectName, (int)sizeof e.ProcessName, e.ProcessName);
-    }
+    PutSuppressEntry(cb, "|  Suppress alert     : ", e.CompCode, e.Reason, e.Function, e.ObjectName,
+                     (int)sizeof e.ObjectName, e.ProcessName, (int)sizeof e.ProcessName);
   }
   for (int32_t i = 0; i < s.ShowSummaryDataSuppressCount && i < PARAMETER_LIST_MAX; i++) {
     const SummaryDataSuppressEntry &e = s.ShowSummaryDataSuppress[i];
-    WriteTraceData(cb, "|  Suppress summary   : ");
-    PutSuppressCodes(cb, e.CompCode, e.Reason);
-    if (e.Function == PARAMETER_ANY) {
-      PutLine(cb, "%c      , %.*s\n", '*', (int)sizeof e.ObjectName, e.ObjectName);
-    } else {
-      PutLine(cb, "%-7s, %.*s\n", SearchConstantInt(e.Function, Constant_Function),
-              (int)sizeof e.ObjectName, e.ObjectName);
-    }
+    PutSuppressEntry(cb, "|  Suppress summary   : ", e.CompCode, e.Reason, e.Function, e.ObjectName,
+                     (int)sizeof e.ObjectName, nullptr, 0);
   }
 }
 
 void PutFileSettingLines(ExitControlBlock *cb) {
   const ParameterSettings &s = cb->Settings;
   PutProfileRecordLength(cb, "Max file size", s.MaxFileSize);
-  if (s.CompressCommand[0] != '\0') {
-    WriteTraceData(cb, "|  Compress command   : ");
-    PutLine(cb, "%.*s\n", (int)sizeof s.CompressCommand, s.CompressCommand);
-  } else {
-    WriteTraceData(cb, "|  Compress command   : (none)\n");
-  }
+  PutTextSetting(cb, "|  Compress command   : ", s.CompressCommand, (int)sizeof s.CompressCommand);
   PutProfileRecordLength(cb, "Compress threshold", s.CompressFileSizeThreshold);
 
   PutProfileRecordYesNo(cb, "Create empty file", s.CreateEmptyFile);

@@ -94,6 +94,26 @@ void deliverOne(QueueManager &qmgr, Connection &c, Delivery &d) {
   c.keep("cbc", &d.cbc, sizeof d.cbc);
 }
 
+// cb and ctl: the connection, then an operation (ZKOP_*).
+bool checkOperationCommand(const ScenarioCommand &cmd, std::string &error) {
+  if (!checkConnectionName(cmd.words[1], error)) {
+    return false;
+  }
+  ZKLONG op = 0;
+  return hasVariable(cmd.words[2]) || parseValue(cmd.words[2], "ZKOP_", op, error);
+}
+
+// The connection and the operation that a cb or ctl command names; null
+// with `error` when either is wrong.
+Connection *operationCommandOf(ScenarioContext &context, const ScenarioCommand &cmd,
+                               ZKLONG &operation, std::string &error) {
+  Connection *c = connectedOf(context, cmd.words[1], error);
+  if (c == nullptr || !parseValue(cmd.words[2], "ZKOP_", operation, error)) {
+    return nullptr;
+  }
+  return c;
+}
+
 } // namespace
 
 int QueueManager::deliver(Connection &c, int limit) {
@@ -117,11 +137,7 @@ void QueueManager::deliverPending(ScenarioContext &context) {
 }
 
 bool checkCb(const ScenarioCommand &cmd, std::string &error) {
-  if (!checkConnectionName(cmd.words[1], error)) {
-    return false;
-  }
-  ZKLONG op = 0;
-  if (!hasVariable(cmd.words[2]) && !parseValue(cmd.words[2], "ZKOP_", op, error)) {
+  if (!checkOperationCommand(cmd, error)) {
     return false;
   }
   Args args(cmd, 3);
@@ -139,12 +155,9 @@ bool checkCb(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runCb(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
-  if (c == nullptr) {
-    return false;
-  }
   ZKLONG operation = 0;
-  if (!parseValue(cmd.words[2], "ZKOP_", operation, error)) {
+  Connection *c = operationCommandOf(context, cmd, operation, error);
+  if (c == nullptr) {
     return false;
   }
   Args args(cmd, 3);
@@ -155,13 +168,14 @@ bool runCb(ScenarioContext &context, const ScenarioCommand &cmd, std::string &er
   }
   bool registering = (operation & ZKOP_REGISTER) != 0;
   ZKCBD cbd = ZKCBD_DEFAULT;
+  PZKCBD pCbd = nullptr;
   cbd.CallbackArea = callbackArea;
   if (args.get("consumer", "log") == "log") {
     cbd.CallbackFunction = reinterpret_cast<ZKPTR>(&applicationConsumer);
   }
   if ((args.has("type") && !parseValue(args.get("type"), "ZKCBT_", cbd.CallbackType, error)) ||
       (args.has("maxmsgl") && !parseValue(args.get("maxmsgl"), "", cbd.MaxMsgLength, error)) ||
-      !args.applyFields("cbd", &cbd, structNamed("ZKCBD"), resolverOf(context), error)) {
+      !structArgument(context, args, "cbd", "ZKCBD", cbd, pCbd, error)) {
     return false;
   }
   ZKMD md = ZKMD_DEFAULT;
@@ -178,7 +192,6 @@ bool runCb(ScenarioContext &context, const ScenarioCommand &cmd, std::string &er
     return false;
   }
   ZKHCONN hconn = c->hconn;
-  PZKCBD pCbd = args.get("cbd") == "none" ? nullptr : &cbd;
   PZKMD pMd = mdWord == "none" ? nullptr : &md;
   PZKGMO pGmo = gmoWord == "none" ? nullptr : &gmo;
   ZKLONG compCode = ZKCC_OK;
@@ -186,11 +199,7 @@ bool runCb(ScenarioContext &context, const ScenarioCommand &cmd, std::string &er
   context.log.line("%s ZKCB operation 0x%08X%s%s", c->name.c_str(),
                    static_cast<unsigned>(operation), handleName.empty() ? "" : ", handle ",
                    handleName.c_str());
-  ApiCall api;
-  api.function = ZKXF_CB;
-  api.name = "ZKCB";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_CB, "ZKCB", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_CB_EXIT>(entry)(axp, axc, &hconn, &operation, &pCbd, &hobj, &pMd, &pGmo,
                                          &compCode, &reason);
@@ -217,11 +226,7 @@ bool runCb(ScenarioContext &context, const ScenarioCommand &cmd, std::string &er
 }
 
 bool checkCtl(const ScenarioCommand &cmd, std::string &error) {
-  if (!checkConnectionName(cmd.words[1], error)) {
-    return false;
-  }
-  ZKLONG op = 0;
-  if (!hasVariable(cmd.words[2]) && !parseValue(cmd.words[2], "ZKOP_", op, error)) {
+  if (!checkOperationCommand(cmd, error)) {
     return false;
   }
   Args args(cmd, 3);
@@ -229,30 +234,23 @@ bool checkCtl(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runCtl(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
-  if (c == nullptr) {
-    return false;
-  }
   ZKLONG operation = 0;
-  if (!parseValue(cmd.words[2], "ZKOP_", operation, error)) {
+  Connection *c = operationCommandOf(context, cmd, operation, error);
+  if (c == nullptr) {
     return false;
   }
   Args args(cmd, 3);
   ZKCTLO ctlo = ZKCTLO_DEFAULT;
   ctlo.ConnectionArea = connectionArea;
-  if (!args.applyFields("ctlo", &ctlo, structNamed("ZKCTLO"), resolverOf(context), error)) {
+  PZKCTLO pCtlo = nullptr;
+  if (!structArgument(context, args, "ctlo", "ZKCTLO", ctlo, pCtlo, error)) {
     return false;
   }
   ZKHCONN hconn = c->hconn;
-  PZKCTLO pCtlo = args.get("ctlo") == "none" ? nullptr : &ctlo;
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
   context.log.line("%s ZKCTL operation 0x%08X", c->name.c_str(), static_cast<unsigned>(operation));
-  ApiCall api;
-  api.function = ZKXF_CTL;
-  api.name = "ZKCTL";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_CTL, "ZKCTL", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_CTL_EXIT>(entry)(axp, axc, &hconn, &operation, &pCtlo, &compCode, &reason);
   };

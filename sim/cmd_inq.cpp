@@ -61,11 +61,8 @@ void runCall(ScenarioContext &context, Connection &c, bool inquire, ZKHOBJ hobj,
   PZKCHAR pChars = v.charAttrs.empty() ? nullptr : v.charAttrs.data();
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
-  ApiCall api;
-  api.function = inquire ? ZKXF_INQ : ZKXF_SET;
-  api.name = inquire ? "ZKINQ" : "ZKSET";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api =
+      makeApiCall(inquire ? ZKXF_INQ : ZKXF_SET, inquire ? "ZKINQ" : "ZKSET", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     // ZKINQ and ZKSET have the same parameter list.
     reinterpret_cast<PZK_INQ_EXIT>(entry)(axp, axc, &hconn, &hobj, &v.selectorCount, &pSelectors,
@@ -152,9 +149,9 @@ bool checkInq(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runInq(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
   ZKHOBJ hobj = 0;
-  if (c == nullptr || !handleOf(*c, cmd.words[2], hobj, error)) {
+  Connection *c = handleCallOf(context, cmd, hobj, error);
+  if (c == nullptr) {
     return false;
   }
   Args args(cmd, 3);
@@ -210,9 +207,9 @@ bool checkSet(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runSet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
   ZKHOBJ hobj = 0;
-  if (c == nullptr || !handleOf(*c, cmd.words[2], hobj, error)) {
+  Connection *c = handleCallOf(context, cmd, hobj, error);
+  if (c == nullptr) {
     return false;
   }
   Args args(cmd, 3);

@@ -100,11 +100,7 @@ bool runSub(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
   context.log.line("%s ZKSUB %s: topic '%s' string '%s', options 0x%08X", c->name.c_str(),
                    hsubName.c_str(), args.get("topic").c_str(), topicstr.c_str(),
                    static_cast<unsigned>(options));
-  ApiCall api;
-  api.function = ZKXF_SUB;
-  api.name = "ZKSUB";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_SUB, "ZKSUB", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_SUB_EXIT>(entry)(axp, axc, &hconn, &pSd, &pHobj, &pHsub, &compCode,
                                           &reason);
@@ -161,9 +157,9 @@ bool checkSubrq(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runSubrq(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
   ZKHOBJ hsub = 0;
-  if (c == nullptr || !handleOf(*c, cmd.words[2], hsub, error)) {
+  Connection *c = handleCallOf(context, cmd, hsub, error);
+  if (c == nullptr) {
     return false;
   }
   Args args(cmd, 3);
@@ -172,20 +168,16 @@ bool runSubrq(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
     return false;
   }
   ZKSRO sro = ZKSRO_DEFAULT;
-  if (!args.applyFields("sro", &sro, structNamed("ZKSRO"), resolverOf(context), error)) {
+  PZKSRO pSro = nullptr;
+  if (!structArgument(context, args, "sro", "ZKSRO", sro, pSro, error)) {
     return false;
   }
   ZKHCONN hconn = c->hconn;
-  PZKSRO pSro = args.get("sro") == "none" ? nullptr : &sro;
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
   context.log.line("%s ZKSUBRQ %s (Hsub %d), action %d", c->name.c_str(), cmd.words[2].c_str(),
                    hsub, action);
-  ApiCall api;
-  api.function = ZKXF_SUBRQ;
-  api.name = "ZKSUBRQ";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_SUBRQ, "ZKSUBRQ", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_SUBRQ_EXIT>(entry)(axp, axc, &hconn, &hsub, &action, &pSro, &compCode,
                                             &reason);

@@ -354,11 +354,7 @@ void putCall(ScenarioContext &context, Connection &c, const std::string &handleN
     context.log.line("%s ZKPUT %s (Hobj %d): %d bytes, format '%s'", c.name.c_str(),
                      handleName.c_str(), hobj, length, fixed(b.md->Format, 8).c_str());
   }
-  ApiCall api;
-  api.function = one ? ZKXF_PUT1 : ZKXF_PUT;
-  api.name = call;
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(one ? ZKXF_PUT1 : ZKXF_PUT, call, compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     if (one) {
       reinterpret_cast<PZK_PUT1_EXIT>(entry)(axp, axc, &hconn, &pOd, &pMd, &pPmo, &length, &pBuffer,
@@ -703,11 +699,7 @@ bool runOpen(ScenarioContext &context, const ScenarioCommand &cmd, std::string &
       fixed(b.od->ObjectName, 48).c_str(), b.od->ObjectType, static_cast<unsigned>(options),
       b.destinations > 0 ? (", distribution list of " + std::to_string(b.destinations)).c_str()
                          : "");
-  ApiCall api;
-  api.function = ZKXF_OPEN;
-  api.name = "ZKOPEN";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_OPEN, "ZKOPEN", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_OPEN_EXIT>(entry)(axp, axc, &hconn, &pOd, &options, &pHobj, &compCode,
                                            &reason);
@@ -758,15 +750,12 @@ bool checkClose(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runClose(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
+  ZKHOBJ hobj = 0;
+  Connection *c = handleCallOf(context, cmd, hobj, error);
   if (c == nullptr) {
     return false;
   }
   const std::string &handleName = cmd.words[2];
-  ZKHOBJ hobj = 0;
-  if (!handleOf(*c, handleName, hobj, error)) {
-    return false;
-  }
   Args args(cmd, 3);
   ZKLONG options = ZKCO_NONE;
   if (args.has("options") && !parseValue(args.get("options"), "ZKCO_", options, error)) {
@@ -778,11 +767,7 @@ bool runClose(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
   ZKLONG reason = 0;
   context.log.line("%s ZKCLOSE %s (Hobj %d), options 0x%08X", c->name.c_str(), handleName.c_str(),
                    hobj, static_cast<unsigned>(options));
-  ApiCall api;
-  api.function = ZKXF_CLOSE;
-  api.name = "ZKCLOSE";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_CLOSE, "ZKCLOSE", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_CLOSE_EXIT>(entry)(axp, axc, &hconn, &pHobj, &options, &compCode, &reason);
   };
@@ -817,15 +802,12 @@ bool checkPut(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runPut(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
+  ZKHOBJ hobj = 0;
+  Connection *c = handleCallOf(context, cmd, hobj, error);
   if (c == nullptr) {
     return false;
   }
   const std::string &handleName = cmd.words[2];
-  ZKHOBJ hobj = 0;
-  if (!handleOf(*c, handleName, hobj, error)) {
-    return false;
-  }
   Args args(cmd, 3);
   auto list = c->listSizes.find(handleName);
   PutBlock b;
@@ -887,15 +869,12 @@ bool checkGet(const ScenarioCommand &cmd, std::string &error) {
 }
 
 bool runGet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
-  Connection *c = connectedOf(context, cmd.words[1], error);
+  ZKHOBJ hobj = 0;
+  Connection *c = handleCallOf(context, cmd, hobj, error);
   if (c == nullptr) {
     return false;
   }
   const std::string &handleName = cmd.words[2];
-  ZKHOBJ hobj = 0;
-  if (!handleOf(*c, handleName, hobj, error)) {
-    return false;
-  }
   Args args(cmd, 3);
   ZKLONG mdVersion = ZKMD_VERSION_1;
   ZKLONG gmoVersion = args.has("match") ? ZKGMO_VERSION_2 : ZKGMO_VERSION_1;
@@ -965,11 +944,7 @@ bool runGet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
     reinterpret_cast<PZK_GET_EXIT>(entry)(axp, axc, &hconn, &hobj, &pMd, &pGmo, &bufferLength,
                                           &pBuffer, &pDataLength, &compCode, &reason);
   };
-  ApiCall api;
-  api.function = ZKXF_GET;
-  api.name = "ZKGET";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_GET, "ZKGET", compCode, reason);
   api.invoke = invokeWith;
   api.describe = describe;
   ApiCall conversion;

@@ -23,11 +23,7 @@ bool commitOrBackout(ScenarioContext &context, const ScenarioCommand &cmd, bool 
   ZKLONG reason = 0;
   const char *name = commit ? "ZKCMIT" : "ZKBACK";
   context.log.line("%s %s", c->name.c_str(), name);
-  ApiCall api;
-  api.function = commit ? ZKXF_CMIT : ZKXF_BACK;
-  api.name = name;
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(commit ? ZKXF_CMIT : ZKXF_BACK, name, compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_CMIT_EXIT>(entry)(axp, axc, &hconn, &compCode, &reason);
   };
@@ -64,19 +60,15 @@ bool runBegin(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
   }
   Args args(cmd, 2);
   ZKBO bo = ZKBO_DEFAULT;
-  if (!args.applyFields("bo", &bo, structNamed("ZKBO"), resolverOf(context), error)) {
+  PZKBO pBo = nullptr;
+  if (!structArgument(context, args, "bo", "ZKBO", bo, pBo, error)) {
     return false;
   }
   ZKHCONN hconn = c->hconn;
-  PZKBO pBo = args.get("bo") == "none" ? nullptr : &bo;
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
   context.log.line("%s ZKBEGIN%s", c->name.c_str(), pBo == nullptr ? " without begin options" : "");
-  ApiCall api;
-  api.function = ZKXF_BEGIN;
-  api.name = "ZKBEGIN";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_BEGIN, "ZKBEGIN", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_BEGIN_EXIT>(entry)(axp, axc, &hconn, &pBo, &compCode, &reason);
   };
@@ -151,11 +143,7 @@ bool runStat(ScenarioContext &context, const ScenarioCommand &cmd, std::string &
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
   context.log.line("%s ZKSTAT type %d, ZKSTS v%d", c->name.c_str(), type, version);
-  ApiCall api;
-  api.function = ZKXF_STAT;
-  api.name = "ZKSTAT";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_STAT, "ZKSTAT", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_STAT_EXIT>(entry)(axp, axc, &hconn, &type, &pSts, &compCode, &reason);
   };

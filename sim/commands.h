@@ -67,6 +67,11 @@ bool checkConnectionName(const std::string &name, std::string &error);
 // The Hobj of a handle name of the connection (a number stands for
 // itself); false with `error` for an unknown name.
 bool handleOf(Connection &c, const std::string &name, ZKHOBJ &hobj, std::string &error);
+// The connection (word 1) and the Hobj of the handle (word 2) that a call
+// command on an object handle names; null with `error` when either is
+// unknown.
+Connection *handleCallOf(ScenarioContext &context, const ScenarioCommand &command, ZKHOBJ &hobj,
+                         std::string &error);
 
 // Logs a call's result ("c1   CompCode 2 Reason 2033 (ZKRC_NO_MSG_AVAILABLE)"),
 // with details after a ';' when there are some, and counts it.
@@ -79,6 +84,19 @@ extern const char *const kAttributeValuePrefixes;
 
 // A resolver for "@name" byte values.
 ByteResolver resolverOf(ScenarioContext &context);
+
+// A structure parameter of a call: "KEY.Field=value" words set fields of
+// `value`, and KEY=none passes no structure at all. `address` is what the
+// call gets; false with `error` when a field does not take its value.
+template <typename T>
+bool structArgument(ScenarioContext &context, const Args &args, const std::string &key,
+                    const char *structName, T &value, T *&address, std::string &error) {
+  if (!args.applyFields(key, &value, structNamed(structName), resolverOf(context), error)) {
+    return false;
+  }
+  address = args.get(key) == "none" ? nullptr : &value;
+  return true;
+}
 
 // Text of bytes for the log: printable characters, others as '.', cut to
 // `max` with "..." after.

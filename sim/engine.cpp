@@ -69,6 +69,31 @@ OpenHandle *Engine::handleOf(EngineConn &c, ZKHOBJ hobj) {
   return it == c.handles.end() ? nullptr : &it->second;
 }
 
+EngineConn *Engine::callConn(ZKHCONN hconn, PZKLONG compCode, PZKLONG reason) {
+  *compCode = ZKCC_FAILED;
+  EngineConn *c = connOf(hconn);
+  if (c == nullptr) {
+    *reason = ZKRC_HCONN_ERROR;
+  }
+  return c;
+}
+
+OpenHandle *Engine::callHandle(ZKHCONN hconn, ZKHOBJ hobj, PZKLONG compCode, PZKLONG reason,
+                               EngineConn **conn) {
+  EngineConn *c = callConn(hconn, compCode, reason);
+  if (conn != nullptr) {
+    *conn = c;
+  }
+  if (c == nullptr) {
+    return nullptr;
+  }
+  OpenHandle *h = handleOf(*c, hobj);
+  if (h == nullptr) {
+    *reason = ZKRC_HOBJ_ERROR;
+  }
+  return h;
+}
+
 // ---- connect and disconnect ---------------------------------------------------------
 
 void Engine::conn(const char *qmgrName, PZKCNO cno, const ConnIdentity &identity, PZKHCONN hconn,
@@ -188,10 +213,8 @@ void Engine::endConnection(EngineConn &c) {
 
 void Engine::disc(PZKHCONN hconn, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  EngineConn *c = connOf(*hconn);
+  EngineConn *c = callConn(*hconn, compCode, reason);
   if (c == nullptr) {
-    *compCode = ZKCC_FAILED;
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
   endConnection(*c);
@@ -265,10 +288,8 @@ void Engine::backoutToken(uint64_t token) {
 
 void Engine::begin(ZKHCONN hconn, PZKBO bo, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  EngineConn *c = connOf(hconn);
-  *compCode = ZKCC_FAILED;
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
   if (bo != nullptr && (!hasStrucId(bo, ZKBO_STRUC_ID) || bo->Version != ZKBO_VERSION_1 ||
@@ -288,21 +309,21 @@ void Engine::begin(ZKHCONN hconn, PZKBO bo, PZKLONG compCode, PZKLONG reason) {
   *reason = ZKRC_NO_EXTERNAL_PARTICIPANTS;
 }
 
-void Engine::cmit(ZKHCONN hconn, PZKLONG compCode, PZKLONG reason) {
-  std::lock_guard<std::mutex> lock(mutex_);
-  EngineConn *c = connOf(hconn);
+void Engine::endLocalUow(ZKHCONN hconn, bool commit, PZKLONG compCode, PZKLONG reason) {
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    *compCode = ZKCC_FAILED;
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
   if (c->xaAssociated) {
-    *compCode = ZKCC_FAILED;
-    *reason = ZKRC_ENVIRONMENT_ERROR;
+    *reason = ZKRC_ENVIRONMENT_ERROR; // the transaction manager ends this work
     return;
   }
   if (c->uow != 0) {
-    commitToken(c->uow);
+    if (commit) {
+      commitToken(c->uow);
+    } else {
+      backoutToken(c->uow);
+    }
   }
   c->uow = 0;
   c->globalUow = false;
@@ -310,36 +331,22 @@ void Engine::cmit(ZKHCONN hconn, PZKLONG compCode, PZKLONG reason) {
   *reason = 0;
 }
 
+void Engine::cmit(ZKHCONN hconn, PZKLONG compCode, PZKLONG reason) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  endLocalUow(hconn, true, compCode, reason);
+}
+
 void Engine::back(ZKHCONN hconn, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  EngineConn *c = connOf(hconn);
-  if (c == nullptr) {
-    *compCode = ZKCC_FAILED;
-    *reason = ZKRC_HCONN_ERROR;
-    return;
-  }
-  if (c->xaAssociated) {
-    *compCode = ZKCC_FAILED;
-    *reason = ZKRC_ENVIRONMENT_ERROR;
-    return;
-  }
-  if (c->uow != 0) {
-    backoutToken(c->uow);
-  }
-  c->uow = 0;
-  c->globalUow = false;
-  *compCode = ZKCC_OK;
-  *reason = 0;
+  endLocalUow(hconn, false, compCode, reason);
 }
 
 // ---- status ----------------------------------------------------------------------
 
 void Engine::stat(ZKHCONN hconn, ZKLONG type, PZKSTS sts, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  EngineConn *c = connOf(hconn);
-  *compCode = ZKCC_FAILED;
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
   if (sts == nullptr || !hasStrucId(sts, ZKSTS_STRUC_ID) || sts->Version < ZKSTS_VERSION_1 ||
@@ -445,29 +452,31 @@ int Engine::depth(const std::string &queue, bool &exists) {
 
 // ---- XIDs --------------------------------------------------------------------------
 
-std::string XidValue::key() const {
-  long long format = 0;
-  long long g = 0;
-  long long b = 0;
-  const unsigned char *data = nullptr;
+XidValue::Parts XidValue::parts() const {
+  Parts p;
   if (layout64) {
     ZKXID64 x;
     std::memcpy(&x, bytes.data(), sizeof x);
-    format = x.formatID;
-    g = x.gtrid_length;
-    b = x.bqual_length;
-    data = bytes.data() + ZKXID64_HEADER_LENGTH;
+    p.formatId = x.formatID;
+    p.gtridLength = x.gtrid_length;
+    p.bqualLength = x.bqual_length;
+    p.data = bytes.data() + ZKXID64_HEADER_LENGTH;
   } else {
     ZKXID32 x;
     std::memcpy(&x, bytes.data(), sizeof x);
-    format = x.formatID;
-    g = x.gtrid_length;
-    b = x.bqual_length;
-    data = bytes.data() + ZKXID32_HEADER_LENGTH;
+    p.formatId = x.formatID;
+    p.gtridLength = x.gtrid_length;
+    p.bqualLength = x.bqual_length;
+    p.data = bytes.data() + ZKXID32_HEADER_LENGTH;
   }
-  long long n = std::clamp<long long>(g + b, 0, ZK_XID_DATA_SIZE);
-  return std::to_string(format) + ":" + std::to_string(g) + ":" +
-         std::string(reinterpret_cast<const char *>(data), static_cast<std::size_t>(n));
+  return p;
+}
+
+std::string XidValue::key() const {
+  Parts p = parts();
+  long long n = std::clamp<long long>(p.gtridLength + p.bqualLength, 0, ZK_XID_DATA_SIZE);
+  return std::to_string(p.formatId) + ":" + std::to_string(p.gtridLength) + ":" +
+         std::string(reinterpret_cast<const char *>(p.data), static_cast<std::size_t>(n));
 }
 
 XidValue makeXid(long formatId, const std::string &gtrid, const std::string &bqual, bool layout64) {

@@ -111,6 +111,15 @@ struct EngineConn {
 struct XidValue {
   std::vector<unsigned char> bytes; // 140 or 152 bytes
   bool layout64 = false;
+  // The fields of the XID, whatever its layout; `data` points into `bytes`
+  // (gtrid, then bqual).
+  struct Parts {
+    long long formatId = 0;
+    long long gtridLength = 0;
+    long long bqualLength = 0;
+    const unsigned char *data = nullptr;
+  };
+  Parts parts() const;
   std::string key() const; // formatID, gtrid and bqual, whatever the layout
 };
 XidValue makeXid(long formatId, const std::string &gtrid, const std::string &bqual, bool layout64);
@@ -201,6 +210,17 @@ private:
   // Everything below runs with mutex_ held.
   EngineConn *connOf(ZKHCONN hconn);
   OpenHandle *handleOf(EngineConn &c, ZKHOBJ hobj);
+  // The start of a call on a connection: the completion code is FAILED
+  // until the call sets it; null, with ZKRC_HCONN_ERROR, when the handle
+  // names no connection.
+  EngineConn *callConn(ZKHCONN hconn, PZKLONG compCode, PZKLONG reason);
+  // The same for a call on an object handle of the connection: null, with
+  // ZKRC_HOBJ_ERROR, when the connection has no such handle. The
+  // connection goes to `conn` when one is given.
+  OpenHandle *callHandle(ZKHCONN hconn, ZKHOBJ hobj, PZKLONG compCode, PZKLONG reason,
+                         EngineConn **conn = nullptr);
+  // ZKCMIT (commit) and ZKBACK: the local unit of work ends.
+  void endLocalUow(ZKHCONN hconn, bool commit, PZKLONG compCode, PZKLONG reason);
   uint64_t uowToken(EngineConn &c);
   void commitToken(uint64_t token);
   void backoutToken(uint64_t token);
@@ -217,6 +237,13 @@ private:
   bool openDistList(EngineConn &c, PZKOD od, ZKLONG options, OpenHandle &h, ZKLONG &compCode,
                     ZKLONG &reason);
   bool createDynamic(EngineConn &c, QueueDef &model, PZKOD od, std::string &name, ZKLONG &reason);
+  // The topic string that a topic object's name and a topic string give
+  // together: the object's string, then "/" and the string. False when the
+  // name names no topic object.
+  bool fullTopic(const std::string &objectName, const std::string &string, std::string &topic);
+  // A topic opened by name, by string or both; false, with the reason,
+  // when it cannot be opened with `options`.
+  bool openTopic(PZKOD od, ZKLONG options, OpenHandle &h, ZKLONG &compCode, ZKLONG &reason);
 
   // Putting: one message to one local queue (the message is complete).
   ZKLONG enqueue(QueueDef &q, Message msg, bool checkInhibit);
@@ -255,8 +282,14 @@ private:
     bool rollbackOnly = false;
     ZKHCONN associated = 0;
   };
-  std::map<std::string, XaTxn> xa_;
+  using XaMap = std::map<std::string, XaTxn>;
+  XaMap xa_;
   std::map<ZKLONG, bool> xaOpen_; // rmid -> open
+  // The transaction an XID names: XA_OK with `it` set, XAER_INVAL without
+  // an XID, XAER_NOTA when there is no such transaction.
+  ZKLONG findXa(const void *xid, bool layout64, XaMap::iterator &it);
+  // Commits or backs out a transaction's work, and forgets the transaction.
+  void completeXa(XaMap::iterator it, bool commit);
 };
 
 // The length of a character attribute (ZKCA_*) that ZKINQ returns; 0 for a

@@ -31,16 +31,25 @@ Delivery controlCall(const Consumer &consumer, ZKLONG callType, ZKPTR connection
   return d;
 }
 
+// Queues the control call of `callType` for each consumer that asked for it
+// with `option` in its callback descriptor.
+void queueControlCalls(EngineConn &c, ZKLONG option, ZKLONG callType) {
+  for (const Consumer &k : c.consumers) {
+    if (k.cbd.Options & option) {
+      c.pendingCalls.push_back(controlCall(k, callType, c.connectionArea));
+    }
+  }
+}
+
 } // namespace
 
 void Engine::cb(ZKHCONN hconn, ZKLONG operation, PZKCBD cbd, ZKHOBJ hobj, PZKMD md, PZKGMO gmo,
                 PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
   auto fail = [&](ZKLONG why) { *reason = why; };
-  EngineConn *c = connOf(hconn);
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    return fail(ZKRC_HCONN_ERROR);
+    return;
   }
   if (operation != ZKOP_REGISTER && operation != ZKOP_DEREGISTER && operation != ZKOP_SUSPEND &&
       operation != ZKOP_RESUME) {
@@ -123,11 +132,10 @@ void Engine::cb(ZKHCONN hconn, ZKLONG operation, PZKCBD cbd, ZKHOBJ hobj, PZKMD 
 
 void Engine::ctl(ZKHCONN hconn, ZKLONG operation, PZKCTLO ctlo, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
   auto fail = [&](ZKLONG why) { *reason = why; };
-  EngineConn *c = connOf(hconn);
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    return fail(ZKRC_HCONN_ERROR);
+    return;
   }
   if (ctlo == nullptr || !hasStrucId(ctlo, ZKCTLO_STRUC_ID) || ctlo->Version != ZKCTLO_VERSION_1 ||
       (ctlo->Options & ~(ZKCTLO_THREAD_AFFINITY | ZKCTLO_FAIL_IF_QUIESCING)) != 0) {
@@ -143,21 +151,13 @@ void Engine::ctl(ZKHCONN hconn, ZKLONG operation, PZKCTLO ctlo, PZKLONG compCode
     }
     c->connectionArea = ctlo->ConnectionArea;
     if (c->ctl != EngineConn::Ctl::Started) {
-      for (const Consumer &k : c->consumers) {
-        if (k.cbd.Options & ZKCBDO_START_CALL) {
-          c->pendingCalls.push_back(controlCall(k, ZKCBCT_START_CALL, c->connectionArea));
-        }
-      }
+      queueControlCalls(*c, ZKCBDO_START_CALL, ZKCBCT_START_CALL);
     }
     c->ctl = EngineConn::Ctl::Started;
     break;
   case ZKOP_STOP:
     if (c->ctl != EngineConn::Ctl::Stopped) {
-      for (const Consumer &k : c->consumers) {
-        if (k.cbd.Options & ZKCBDO_STOP_CALL) {
-          c->pendingCalls.push_back(controlCall(k, ZKCBCT_STOP_CALL, c->connectionArea));
-        }
-      }
+      queueControlCalls(*c, ZKCBDO_STOP_CALL, ZKCBCT_STOP_CALL);
     }
     c->ctl = EngineConn::Ctl::Stopped;
     break;

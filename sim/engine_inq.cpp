@@ -342,15 +342,8 @@ void Engine::inq(ZKHCONN hconn, ZKHOBJ hobj, ZKLONG selectorCount, const ZKLONG 
                  ZKLONG intAttrCount, PZKLONG intAttrs, ZKLONG charAttrLength, char *charAttrs,
                  PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
-  EngineConn *c = connOf(hconn);
-  if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
-    return;
-  }
-  OpenHandle *h = handleOf(*c, hobj);
+  OpenHandle *h = callHandle(hconn, hobj, compCode, reason);
   if (h == nullptr) {
-    *reason = ZKRC_HOBJ_ERROR;
     return;
   }
   if (!(h->options & ZKOO_INQUIRE)) {
@@ -450,15 +443,10 @@ void Engine::set(ZKHCONN hconn, ZKHOBJ hobj, ZKLONG selectorCount, const ZKLONG 
                  ZKLONG intAttrCount, const ZKLONG *intAttrs, ZKLONG charAttrLength,
                  const char *charAttrs, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
   auto fail = [&](ZKLONG why) { *reason = why; };
-  EngineConn *c = connOf(hconn);
-  if (c == nullptr) {
-    return fail(ZKRC_HCONN_ERROR);
-  }
-  OpenHandle *h = handleOf(*c, hobj);
+  OpenHandle *h = callHandle(hconn, hobj, compCode, reason);
   if (h == nullptr) {
-    return fail(ZKRC_HOBJ_ERROR);
+    return;
   }
   if (!(h->options & ZKOO_SET)) {
     return fail(ZKRC_NOT_OPEN_FOR_SET);

@@ -91,14 +91,29 @@ void Engine::deliverRetained(const Subscription &s, int &count) {
   }
 }
 
+bool Engine::fullTopic(const std::string &objectName, const std::string &string,
+                       std::string &topic) {
+  topic.clear();
+  if (!objectName.empty()) {
+    TopicDef *t = store_.topic(objectName);
+    if (t == nullptr) {
+      return false;
+    }
+    topic = t->topicString;
+  }
+  if (!string.empty()) {
+    topic = topic.empty() ? string : topic + "/" + string;
+  }
+  return true;
+}
+
 void Engine::sub(ZKHCONN hconn, PZKSD sd, PZKHOBJ hobj, PZKHOBJ hsub, PZKLONG compCode,
                  PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
   auto fail = [&](ZKLONG why) { *reason = why; };
-  EngineConn *c = connOf(hconn);
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    return fail(ZKRC_HCONN_ERROR);
+    return;
   }
   if (sd == nullptr || !hasStrucId(sd, ZKSD_STRUC_ID) || sd->Version != ZKSD_VERSION_1) {
     return fail(ZKRC_SD_ERROR);
@@ -113,15 +128,8 @@ void Engine::sub(ZKHCONN hconn, PZKSD sd, PZKHOBJ hobj, PZKHOBJ hsub, PZKLONG co
   std::string objectName = fixedText(sd->ObjectName, ZK_Q_NAME_LENGTH);
   std::string string = charvText(sd, sd->ObjectString);
   std::string topic;
-  if (!objectName.empty()) {
-    TopicDef *t = store_.topic(objectName);
-    if (t == nullptr) {
-      return fail(ZKRC_UNKNOWN_OBJECT_NAME);
-    }
-    topic = t->topicString;
-  }
-  if (!string.empty()) {
-    topic = topic.empty() ? string : topic + "/" + string;
+  if (!fullTopic(objectName, string, topic)) {
+    return fail(ZKRC_UNKNOWN_OBJECT_NAME);
   }
   bool durable = (options & ZKSO_DURABLE) != 0;
   if (durable && name.empty()) {
@@ -189,8 +197,8 @@ void Engine::sub(ZKHCONN hconn, PZKSD sd, PZKHOBJ hobj, PZKHOBJ hsub, PZKLONG co
     // The queue manager makes the subscription's queue and opens it for the
     // application.
     char qname[49];
-    std::snprintf(qname, sizeof qname, "ZK.MANAGED.%s.%016llX",
-                  durable ? "DURABLE" : "NDURABLE", static_cast<unsigned long long>(nextIdValue()));
+    std::snprintf(qname, sizeof qname, "ZK.MANAGED.%s.%016llX", durable ? "DURABLE" : "NDURABLE",
+                  static_cast<unsigned long long>(nextIdValue()));
     QueueDef q;
     q.type = ZKQT_LOCAL;
     q.name = qname;
@@ -243,10 +251,8 @@ void Engine::sub(ZKHCONN hconn, PZKSD sd, PZKHOBJ hobj, PZKHOBJ hsub, PZKLONG co
 void Engine::subrq(ZKHCONN hconn, ZKHOBJ hsub, ZKLONG action, PZKSRO sro, PZKLONG compCode,
                    PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
-  EngineConn *c = connOf(hconn);
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
   OpenHandle *h = handleOf(*c, hsub);

@@ -87,6 +87,11 @@ int pmrUnitLength(ZKLONG fields) {
   return n;
 }
 
+bool usableOd(const ZKOD *od) {
+  return od != nullptr && hasStrucId(od, ZKOD_STRUC_ID) && od->Version >= ZKOD_VERSION_1 &&
+         od->Version <= ZKOD_VERSION_4;
+}
+
 } // namespace
 
 // ---- opening ------------------------------------------------------------------------
@@ -401,17 +406,46 @@ bool Engine::openDistList(EngineConn &c, PZKOD od, ZKLONG options, OpenHandle &h
   return compCode != ZKCC_FAILED;
 }
 
+bool Engine::openTopic(PZKOD od, ZKLONG options, OpenHandle &h, ZKLONG &compCode, ZKLONG &reason) {
+  auto fail = [&](ZKLONG why) {
+    compCode = ZKCC_FAILED;
+    reason = why;
+    return false;
+  };
+  std::string name = fixedText(od->ObjectName, ZK_Q_NAME_LENGTH);
+  std::string string =
+      od->Version >= ZKOD_VERSION_4 ? charvText(od, od->ObjectString) : std::string();
+  std::string topic;
+  if (!fullTopic(name, string, topic)) {
+    return fail(ZKRC_UNKNOWN_OBJECT_NAME);
+  }
+  if (topic.empty()) {
+    return fail(ZKRC_UNKNOWN_OBJECT_NAME);
+  }
+  if ((options & (kInputOptions | ZKOO_BROWSE | ZKOO_SET)) != 0) {
+    return fail(ZKRC_OPTION_NOT_VALID_FOR_TYPE);
+  }
+  h.kind = OpenHandle::Kind::Topic;
+  h.objectType = ZKOT_TOPIC;
+  h.openedName = name;
+  h.topicString = topic;
+  if (od->Version >= ZKOD_VERSION_4) {
+    setCharvOutput(od, od->ResObjectString, topic);
+    od->ResolvedType = ZKOT_TOPIC;
+  }
+  compCode = ZKCC_OK;
+  reason = 0;
+  return true;
+}
+
 void Engine::open(ZKHCONN hconn, PZKOD od, ZKLONG options, PZKHOBJ hobj, PZKLONG compCode,
                   PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
-  EngineConn *c = connOf(hconn);
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
-  if (od == nullptr || !hasStrucId(od, ZKOD_STRUC_ID) || od->Version < ZKOD_VERSION_1 ||
-      od->Version > ZKOD_VERSION_4) {
+  if (!usableOd(od)) {
     *reason = ZKRC_OD_ERROR;
     return;
   }
@@ -448,39 +482,7 @@ void Engine::open(ZKHCONN hconn, PZKOD od, ZKLONG options, PZKHOBJ hobj, PZKLONG
     }
     cc = ok ? ZKCC_OK : ZKCC_FAILED;
   } else if (od->ObjectType == ZKOT_TOPIC) {
-    std::string name = fixedText(od->ObjectName, ZK_Q_NAME_LENGTH);
-    std::string string =
-        od->Version >= ZKOD_VERSION_4 ? charvText(od, od->ObjectString) : std::string();
-    std::string topic;
-    if (!name.empty()) {
-      TopicDef *t = store_.topic(name);
-      if (t == nullptr) {
-        rc = ZKRC_UNKNOWN_OBJECT_NAME;
-      } else {
-        topic = t->topicString;
-      }
-    }
-    if (rc == 0) {
-      if (!string.empty()) {
-        topic = topic.empty() ? string : topic + "/" + string;
-      }
-      if (topic.empty()) {
-        rc = ZKRC_UNKNOWN_OBJECT_NAME;
-      } else if ((options & (kInputOptions | ZKOO_BROWSE | ZKOO_SET)) != 0) {
-        rc = ZKRC_OPTION_NOT_VALID_FOR_TYPE;
-      } else {
-        h.kind = OpenHandle::Kind::Topic;
-        h.objectType = ZKOT_TOPIC;
-        h.openedName = name;
-        h.topicString = topic;
-        if (od->Version >= ZKOD_VERSION_4) {
-          setCharvOutput(od, od->ResObjectString, topic);
-          od->ResolvedType = ZKOT_TOPIC;
-        }
-        ok = true;
-      }
-    }
-    cc = ok ? ZKCC_OK : ZKCC_FAILED;
+    ok = openTopic(od, options, h, cc, rc);
   } else {
     rc = ZKRC_OBJECT_TYPE_ERROR;
     cc = ZKCC_FAILED;
@@ -536,15 +538,9 @@ void Engine::closeHandle(EngineConn &c, ZKHOBJ hobj, const OpenHandle &h, ZKLONG
 
 void Engine::close(ZKHCONN hconn, PZKHOBJ hobj, ZKLONG options, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
-  EngineConn *c = connOf(hconn);
-  if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
-    return;
-  }
-  OpenHandle *h = handleOf(*c, *hobj);
+  EngineConn *c = nullptr;
+  OpenHandle *h = callHandle(hconn, *hobj, compCode, reason, &c);
   if (h == nullptr) {
-    *reason = ZKRC_HOBJ_ERROR;
     return;
   }
   ZKLONG deleting = options & (ZKCO_DELETE | ZKCO_DELETE_PURGE);
@@ -1106,15 +1102,9 @@ void Engine::putToHandle(EngineConn &c, OpenHandle &h, PZKMD md, PZKPMO pmo, ZKL
 void Engine::put(ZKHCONN hconn, ZKHOBJ hobj, PZKMD md, PZKPMO pmo, ZKLONG length,
                  const void *buffer, PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
-  EngineConn *c = connOf(hconn);
-  if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
-    return;
-  }
-  OpenHandle *h = handleOf(*c, hobj);
+  EngineConn *c = nullptr;
+  OpenHandle *h = callHandle(hconn, hobj, compCode, reason, &c);
   if (h == nullptr) {
-    *reason = ZKRC_HOBJ_ERROR;
     return;
   }
   ZKLONG cc = ZKCC_FAILED;
@@ -1152,14 +1142,11 @@ void Engine::put(ZKHCONN hconn, ZKHOBJ hobj, PZKMD md, PZKPMO pmo, ZKLONG length
 void Engine::put1(ZKHCONN hconn, PZKOD od, PZKMD md, PZKPMO pmo, ZKLONG length, const void *buffer,
                   PZKLONG compCode, PZKLONG reason) {
   std::lock_guard<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
-  EngineConn *c = connOf(hconn);
+  EngineConn *c = callConn(hconn, compCode, reason);
   if (c == nullptr) {
-    *reason = ZKRC_HCONN_ERROR;
     return;
   }
-  if (od == nullptr || !hasStrucId(od, ZKOD_STRUC_ID) || od->Version < ZKOD_VERSION_1 ||
-      od->Version > ZKOD_VERSION_4) {
+  if (!usableOd(od)) {
     *reason = ZKRC_OD_ERROR;
     return;
   }
@@ -1204,31 +1191,7 @@ void Engine::put1(ZKHCONN hconn, PZKOD od, PZKMD md, PZKPMO pmo, ZKLONG length, 
       rc = ZKRC_OBJECT_TYPE_ERROR;
     }
   } else if (od->ObjectType == ZKOT_TOPIC) {
-    std::string name = fixedText(od->ObjectName, ZK_Q_NAME_LENGTH);
-    std::string string =
-        od->Version >= ZKOD_VERSION_4 ? charvText(od, od->ObjectString) : std::string();
-    TopicDef *t = name.empty() ? nullptr : store_.topic(name);
-    if (!name.empty() && t == nullptr) {
-      rc = ZKRC_UNKNOWN_OBJECT_NAME;
-    } else {
-      std::string topic = t != nullptr ? t->topicString : "";
-      if (!string.empty()) {
-        topic = topic.empty() ? string : topic + "/" + string;
-      }
-      if (topic.empty()) {
-        rc = ZKRC_UNKNOWN_OBJECT_NAME;
-      } else {
-        h.kind = OpenHandle::Kind::Topic;
-        h.objectType = ZKOT_TOPIC;
-        h.topicString = topic;
-        if (od->Version >= ZKOD_VERSION_4) {
-          setCharvOutput(od, od->ResObjectString, topic);
-          od->ResolvedType = ZKOT_TOPIC;
-        }
-        ok = true;
-      }
-    }
-    cc = ok ? ZKCC_OK : ZKCC_FAILED;
+    ok = openTopic(od, options, h, cc, rc);
   } else {
     cc = ZKCC_FAILED;
     rc = ZKRC_OBJECT_TYPE_ERROR;
@@ -1411,15 +1374,11 @@ void Engine::get(ZKHCONN hconn, ZKHOBJ hobj, PZKMD md, PZKGMO gmo, ZKLONG buffer
                  void *buffer, PZKLONG dataLength, PZKLONG compCode, PZKLONG reason,
                  const std::function<void()> &conversionPoint) {
   std::unique_lock<std::mutex> lock(mutex_);
-  *compCode = ZKCC_FAILED;
   auto fail = [&](ZKLONG why) { *reason = why; };
-  EngineConn *c = connOf(hconn);
-  if (c == nullptr) {
-    return fail(ZKRC_HCONN_ERROR);
-  }
-  OpenHandle *h = handleOf(*c, hobj);
+  EngineConn *c = nullptr;
+  OpenHandle *h = callHandle(hconn, hobj, compCode, reason, &c);
   if (h == nullptr) {
-    return fail(ZKRC_HOBJ_ERROR);
+    return;
   }
   if (md == nullptr || !hasStrucId(md, ZKMD_STRUC_ID) || md->Version < ZKMD_VERSION_1 ||
       md->Version > ZKMD_VERSION_2) {

@@ -34,6 +34,23 @@ ZKLONG Engine::xaClose(const char *info, ZKLONG rmid, ZKLONG flags) {
   return XA_OK;
 }
 
+ZKLONG Engine::findXa(const void *xid, bool layout64, XaMap::iterator &it) {
+  if (xid == nullptr) {
+    return XAER_INVAL;
+  }
+  it = xa_.find(xidFromMemory(xid, layout64).key());
+  return it == xa_.end() ? XAER_NOTA : XA_OK;
+}
+
+void Engine::completeXa(XaMap::iterator it, bool commit) {
+  if (commit) {
+    commitToken(it->second.token);
+  } else {
+    backoutToken(it->second.token);
+  }
+  xa_.erase(it);
+}
+
 ZKLONG Engine::xaStart(ZKHCONN hconn, const void *xid, bool layout64, ZKLONG rmid, ZKLONG flags) {
   std::lock_guard<std::mutex> lock(mutex_);
   if (!xaOpen_.count(rmid)) {
@@ -80,12 +97,10 @@ ZKLONG Engine::xaStart(ZKHCONN hconn, const void *xid, bool layout64, ZKLONG rmi
 ZKLONG Engine::xaEnd(ZKHCONN hconn, const void *xid, bool layout64, ZKLONG rmid, ZKLONG flags) {
   std::lock_guard<std::mutex> lock(mutex_);
   (void)rmid;
-  if (xid == nullptr) {
-    return XAER_INVAL;
-  }
-  auto it = xa_.find(xidFromMemory(xid, layout64).key());
-  if (it == xa_.end()) {
-    return XAER_NOTA;
+  XaMap::iterator it;
+  ZKLONG found = findXa(xid, layout64, it);
+  if (found != XA_OK) {
+    return found;
   }
   EngineConn *c = connOf(hconn);
   if (it->second.associated != hconn || c == nullptr) {
@@ -106,20 +121,17 @@ ZKLONG Engine::xaPrepare(const void *xid, bool layout64, ZKLONG rmid, ZKLONG fla
   std::lock_guard<std::mutex> lock(mutex_);
   (void)rmid;
   (void)flags;
-  if (xid == nullptr) {
-    return XAER_INVAL;
-  }
-  auto it = xa_.find(xidFromMemory(xid, layout64).key());
-  if (it == xa_.end()) {
-    return XAER_NOTA;
+  XaMap::iterator it;
+  ZKLONG found = findXa(xid, layout64, it);
+  if (found != XA_OK) {
+    return found;
   }
   XaTxn &t = it->second;
   if (t.associated != 0 || t.state == XaTxn::State::Prepared) {
     return XAER_PROTO;
   }
   if (t.rollbackOnly) {
-    backoutToken(t.token);
-    xa_.erase(it);
+    completeXa(it, false);
     return XA_RBROLLBACK;
   }
   if (!tokenHasWork(t.token)) {
@@ -133,12 +145,10 @@ ZKLONG Engine::xaPrepare(const void *xid, bool layout64, ZKLONG rmid, ZKLONG fla
 ZKLONG Engine::xaCommit(const void *xid, bool layout64, ZKLONG rmid, ZKLONG flags) {
   std::lock_guard<std::mutex> lock(mutex_);
   (void)rmid;
-  if (xid == nullptr) {
-    return XAER_INVAL;
-  }
-  auto it = xa_.find(xidFromMemory(xid, layout64).key());
-  if (it == xa_.end()) {
-    return XAER_NOTA;
+  XaMap::iterator it;
+  ZKLONG found = findXa(xid, layout64, it);
+  if (found != XA_OK) {
+    return found;
   }
   XaTxn &t = it->second;
   if (t.associated != 0) {
@@ -149,12 +159,10 @@ ZKLONG Engine::xaCommit(const void *xid, bool layout64, ZKLONG rmid, ZKLONG flag
     return XAER_PROTO; // one-phase after prepare, or two-phase without it
   }
   if (t.rollbackOnly) {
-    backoutToken(t.token);
-    xa_.erase(it);
+    completeXa(it, false);
     return XA_RBROLLBACK;
   }
-  commitToken(t.token);
-  xa_.erase(it);
+  completeXa(it, true);
   return XA_OK;
 }
 
@@ -162,18 +170,15 @@ ZKLONG Engine::xaRollback(const void *xid, bool layout64, ZKLONG rmid, ZKLONG fl
   std::lock_guard<std::mutex> lock(mutex_);
   (void)rmid;
   (void)flags;
-  if (xid == nullptr) {
-    return XAER_INVAL;
-  }
-  auto it = xa_.find(xidFromMemory(xid, layout64).key());
-  if (it == xa_.end()) {
-    return XAER_NOTA;
+  XaMap::iterator it;
+  ZKLONG found = findXa(xid, layout64, it);
+  if (found != XA_OK) {
+    return found;
   }
   if (it->second.associated != 0) {
     return XAER_PROTO;
   }
-  backoutToken(it->second.token);
-  xa_.erase(it);
+  completeXa(it, false);
   return XA_OK;
 }
 
@@ -181,12 +186,11 @@ ZKLONG Engine::xaForget(const void *xid, bool layout64, ZKLONG rmid, ZKLONG flag
   std::lock_guard<std::mutex> lock(mutex_);
   (void)rmid;
   (void)flags;
-  if (xid == nullptr) {
-    return XAER_INVAL;
-  }
   // Only heuristically completed transactions can be forgotten, and this
   // resource manager never completes one heuristically.
-  return xa_.count(xidFromMemory(xid, layout64).key()) != 0 ? XAER_PROTO : XAER_NOTA;
+  XaMap::iterator it;
+  ZKLONG found = findXa(xid, layout64, it);
+  return found == XA_OK ? XAER_PROTO : found;
 }
 
 ZKLONG Engine::xaRecover(void *xids, bool layout64, ZKLONG count, ZKLONG rmid, ZKLONG flags) {
@@ -207,29 +211,10 @@ ZKLONG Engine::xaRecover(void *xids, bool layout64, ZKLONG count, ZKLONG rmid, Z
       continue;
     }
     // An XID in the layout asked for, whatever layout it came in.
-    const XidValue &x = entry.second.xid;
-    long long format = 0;
-    long long g = 0;
-    long long b = 0;
-    const unsigned char *data = nullptr;
-    if (x.layout64) {
-      ZKXID64 v;
-      std::memcpy(&v, x.bytes.data(), sizeof v);
-      format = v.formatID;
-      g = v.gtrid_length;
-      b = v.bqual_length;
-      data = x.bytes.data() + ZKXID64_HEADER_LENGTH;
-    } else {
-      ZKXID32 v;
-      std::memcpy(&v, x.bytes.data(), sizeof v);
-      format = v.formatID;
-      g = v.gtrid_length;
-      b = v.bqual_length;
-      data = x.bytes.data() + ZKXID32_HEADER_LENGTH;
-    }
-    XidValue out =
-        makeXid(static_cast<long>(format), std::string(reinterpret_cast<const char *>(data), g),
-                std::string(reinterpret_cast<const char *>(data) + g, b), layout64);
+    XidValue::Parts x = entry.second.xid.parts();
+    const char *data = reinterpret_cast<const char *>(x.data);
+    XidValue out = makeXid(static_cast<long>(x.formatId), std::string(data, x.gtridLength),
+                           std::string(data + x.gtridLength, x.bqualLength), layout64);
     std::memcpy(static_cast<char *>(xids) + n * size, out.bytes.data(), size);
     ++n;
   }

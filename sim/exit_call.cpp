@@ -119,7 +119,27 @@ void logResponse(const Connection &c, const ApiCall &call, const ExitInstance &e
   (void)call;
 }
 
+// Calls an exit's function for `exitReason` unless the exit is suppressed or
+// registered none, and logs its answer. False when it was not called.
+bool callAndLog(Connection &c, ExitInstance &exit, ZKLONG exitReason, const char *phase,
+                ApiCall &call, ExitAnswer &answer) {
+  if (exit.suppressed || !callOne(c, exit, exitReason, call, answer)) {
+    return false;
+  }
+  logResponse(c, call, exit, phase, answer);
+  return true;
+}
+
 } // namespace
+
+ApiCall makeApiCall(ZKLONG function, const std::string &name, ZKLONG &compCode, ZKLONG &reason) {
+  ApiCall call;
+  call.function = function;
+  call.name = name;
+  call.compCode = &compCode;
+  call.reason = &reason;
+  return call;
+}
 
 void setParameterCheck(bool on) {
   gParameterCheck = on;
@@ -171,14 +191,10 @@ BeforeOutcome runBefore(Connection &c, ApiCall &call) {
   for (std::size_t i = 0; i < c.exits.size(); ++i) {
     ExitInstance &exit = *c.exits[i];
     outcome.reached = i + 1;
-    if (exit.suppressed) {
-      continue;
-    }
     ExitAnswer answer;
-    if (!callOne(c, exit, ZKXR_BEFORE, call, answer)) {
+    if (!callAndLog(c, exit, ZKXR_BEFORE, "BEFORE", call, answer)) {
       continue;
     }
-    logResponse(c, call, exit, "BEFORE", answer);
     if (answer.response == ZKXCC_SUPPRESS_EXIT) {
       exit.functions.clear();
       exit.suppressed = true;
@@ -208,14 +224,10 @@ void runAfter(Connection &c, ApiCall &call, const BeforeOutcome &before) {
       continue;
     }
     ExitInstance &exit = *c.exits[i];
-    if (exit.suppressed) {
-      continue;
-    }
     ExitAnswer answer;
-    if (!callOne(c, exit, ZKXR_AFTER, call, answer)) {
+    if (!callAndLog(c, exit, ZKXR_AFTER, "AFTER", call, answer)) {
       continue;
     }
-    logResponse(c, call, exit, "AFTER", answer);
     if (answer.response == ZKXCC_SUPPRESS_EXIT) {
       exit.functions.clear();
       exit.suppressed = true;
@@ -228,14 +240,10 @@ void runAfter(Connection &c, ApiCall &call, const BeforeOutcome &before) {
 
 void runExitPoint(Connection &c, ApiCall &call) {
   for (auto &exit : c.exits) {
-    if (exit->suppressed) {
-      continue;
-    }
     ExitAnswer answer;
-    if (!callOne(c, *exit, ZKXR_BEFORE, call, answer)) {
+    if (!callAndLog(c, *exit, ZKXR_BEFORE, "BEFORE", call, answer)) {
       continue;
     }
-    logResponse(c, call, *exit, "BEFORE", answer);
     if (answer.response2 == ZKXR2_SUPPRESS_CHAIN) {
       return;
     }

@@ -45,6 +45,9 @@ struct ApiCall {
   ZKLONG *reason = nullptr;
 };
 
+// A call with a completion code and reason, which the exits see and can set.
+ApiCall makeApiCall(ZKLONG function, const std::string &name, ZKLONG &compCode, ZKLONG &reason);
+
 struct BeforeOutcome {
   bool perform = true;     // false: an exit answered SKIP_FUNCTION or SUPPRESS_FUNCTION
   std::size_t reached = 0; // exits of the chain reached: their AFTER functions are due

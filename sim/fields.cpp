@@ -71,6 +71,11 @@ public:
     }
     return *this;
   }
+  // The fields that every chained message header starts with, its flags
+  // named with `flagsPrefix`.
+  template <typename T> Builder &header(const char *flagsPrefix);
+  // The fields of an XID, in either layout.
+  template <typename T> Builder &xid();
   StructDef done() { return def_; }
 
 private:
@@ -85,6 +90,20 @@ private:
   add(#f, offsetof(T, f), sizeof(((T *)nullptr)->f), KindOf<MEMBER_TYPE(T, f)>::kind, prefix, true)
 #define FV(T, f) charv(#f, offsetof(T, f))
 #define FL(T, f, n) longs(#f, offsetof(T, f), n)
+
+template <typename T> Builder &Builder::header(const char *flagsPrefix) {
+  return F(T, StrucId)
+      .F(T, Version)
+      .F(T, StrucLength)
+      .FP(T, Encoding, "ZKENC_")
+      .FP(T, CodedCharSetId, "ZKCCSI_")
+      .F(T, Format)
+      .FH(T, Flags, flagsPrefix);
+}
+
+template <typename T> Builder &Builder::xid() {
+  return F(T, formatID).F(T, gtrid_length).F(T, bqual_length).F(T, data);
+}
 
 StructDef md1Fields(const char *name, const char *key, uint32_t size,
                     std::vector<uint32_t> lengths) {
@@ -176,13 +195,7 @@ std::vector<StructDef> buildAll() {
   all.push_back(md1);
 
   all.push_back(Builder("ZKMDE", "mde", sizeof(ZKMDE))
-                    .F(ZKMDE, StrucId)
-                    .F(ZKMDE, Version)
-                    .F(ZKMDE, StrucLength)
-                    .FP(ZKMDE, Encoding, "ZKENC_")
-                    .FP(ZKMDE, CodedCharSetId, "ZKCCSI_")
-                    .F(ZKMDE, Format)
-                    .FH(ZKMDE, Flags, "ZKMDEF_")
+                    .header<ZKMDE>("ZKMDEF_")
                     .F(ZKMDE, GroupId)
                     .F(ZKMDE, MsgSeqNumber)
                     .F(ZKMDE, Offset)
@@ -505,26 +518,14 @@ std::vector<StructDef> buildAll() {
                     .nested("MsgDesc", offsetof(ZKXQH, MsgDesc), md1)
                     .done());
   all.push_back(Builder("ZKDH", "dh", sizeof(ZKDH))
-                    .F(ZKDH, StrucId)
-                    .F(ZKDH, Version)
-                    .F(ZKDH, StrucLength)
-                    .FP(ZKDH, Encoding, "ZKENC_")
-                    .FP(ZKDH, CodedCharSetId, "ZKCCSI_")
-                    .F(ZKDH, Format)
-                    .FH(ZKDH, Flags, "ZKDHF_")
+                    .header<ZKDH>("ZKDHF_")
                     .FH(ZKDH, PutMsgRecFields, "ZKPMRF_")
                     .F(ZKDH, RecsPresent)
                     .F(ZKDH, ObjectRecOffset)
                     .F(ZKDH, PutMsgRecOffset)
                     .done());
   all.push_back(Builder("ZKRMH", "rmh", sizeof(ZKRMH))
-                    .F(ZKRMH, StrucId)
-                    .F(ZKRMH, Version)
-                    .F(ZKRMH, StrucLength)
-                    .FP(ZKRMH, Encoding, "ZKENC_")
-                    .FP(ZKRMH, CodedCharSetId, "ZKCCSI_")
-                    .F(ZKRMH, Format)
-                    .FH(ZKRMH, Flags, "ZKRMHF_")
+                    .header<ZKRMH>("ZKRMHF_")
                     .F(ZKRMH, ObjectType)
                     .F(ZKRMH, ObjectInstanceId)
                     .F(ZKRMH, SrcEnvLength)
@@ -553,23 +554,9 @@ std::vector<StructDef> buildAll() {
                     .F(ZKDLH, PutDate)
                     .F(ZKDLH, PutTime)
                     .done());
-  all.push_back(Builder("ZKRFH", "rfh", sizeof(ZKRFH))
-                    .F(ZKRFH, StrucId)
-                    .F(ZKRFH, Version)
-                    .F(ZKRFH, StrucLength)
-                    .FP(ZKRFH, Encoding, "ZKENC_")
-                    .FP(ZKRFH, CodedCharSetId, "ZKCCSI_")
-                    .F(ZKRFH, Format)
-                    .FH(ZKRFH, Flags, "ZKRFH_")
-                    .done());
+  all.push_back(Builder("ZKRFH", "rfh", sizeof(ZKRFH)).header<ZKRFH>("ZKRFH_").done());
   all.push_back(Builder("ZKRFH2", "rfh2", sizeof(ZKRFH2))
-                    .F(ZKRFH2, StrucId)
-                    .F(ZKRFH2, Version)
-                    .F(ZKRFH2, StrucLength)
-                    .FP(ZKRFH2, Encoding, "ZKENC_")
-                    .FP(ZKRFH2, CodedCharSetId, "ZKCCSI_")
-                    .F(ZKRFH2, Format)
-                    .FH(ZKRFH2, Flags, "ZKRFH_")
+                    .header<ZKRFH2>("ZKRFH_")
                     .FP(ZKRFH2, NameValueCCSID, "ZKCCSI_")
                     .done());
   all.push_back(Builder("ZKTM", "tm", sizeof(ZKTM))
@@ -596,27 +583,11 @@ std::vector<StructDef> buildAll() {
                       .done();
   all.push_back(cfh);
   all.push_back(Builder("ZKEPH", "eph", sizeof(ZKEPH))
-                    .F(ZKEPH, StrucId)
-                    .F(ZKEPH, Version)
-                    .F(ZKEPH, StrucLength)
-                    .FP(ZKEPH, Encoding, "ZKENC_")
-                    .FP(ZKEPH, CodedCharSetId, "ZKCCSI_")
-                    .F(ZKEPH, Format)
-                    .FH(ZKEPH, Flags, "ZKEPH_")
+                    .header<ZKEPH>("ZKEPH_")
                     .nested("PCFHeader", offsetof(ZKEPH, PCFHeader), cfh)
                     .done());
-  all.push_back(Builder("ZKXID32", "xid32", sizeof(ZKXID32), {}, -1)
-                    .F(ZKXID32, formatID)
-                    .F(ZKXID32, gtrid_length)
-                    .F(ZKXID32, bqual_length)
-                    .F(ZKXID32, data)
-                    .done());
-  all.push_back(Builder("ZKXID64", "xid64", sizeof(ZKXID64), {}, -1)
-                    .F(ZKXID64, formatID)
-                    .F(ZKXID64, gtrid_length)
-                    .F(ZKXID64, bqual_length)
-                    .F(ZKXID64, data)
-                    .done());
+  all.push_back(Builder("ZKXID32", "xid32", sizeof(ZKXID32), {}, -1).xid<ZKXID32>().done());
+  all.push_back(Builder("ZKXID64", "xid64", sizeof(ZKXID64), {}, -1).xid<ZKXID64>().done());
   return all;
 }
 

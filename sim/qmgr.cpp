@@ -142,11 +142,7 @@ bool QueueManager::connect(Connection &c, ZKLONG function, PZKCNO cno,
   PZKHCONN pHconn = &hconn;
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
-  ApiCall api;
-  api.function = function;
-  api.name = call;
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(function, call, compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_CONNX_EXIT>(entry)(axp, axc, name, &pCno, &pHconn, &compCode, &reason);
   };
@@ -222,11 +218,7 @@ bool QueueManager::disconnect(Connection &c) {
   PZKHCONN pHconn = &hconn;
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
-  ApiCall api;
-  api.function = ZKXF_DISC;
-  api.name = "ZKDISC";
-  api.compCode = &compCode;
-  api.reason = &reason;
+  ApiCall api = makeApiCall(ZKXF_DISC, "ZKDISC", compCode, reason);
   api.invoke = [&](PZKFUNC entry, PZKAXP axp, PZKAXC axc) {
     reinterpret_cast<PZK_DISC_EXIT>(entry)(axp, axc, &pHconn, &compCode, &reason);
   };

@@ -98,6 +98,19 @@ struct Parser {
   }
 };
 
+// Sets the field of a "word=value" argument; false with `error` when the
+// structure has no such field or the field does not take the value.
+bool setNamedField(void *structure, const StructDef &def, const std::string &word,
+                   const std::string &fieldName, const std::string &value,
+                   const ByteResolver &resolver, std::string &error) {
+  const FieldDef *field = def.find(fieldName);
+  if (field == nullptr) {
+    error = "'" + word + "': " + def.name + " has no such field";
+    return false;
+  }
+  return setFieldValue(*field, structure, value, resolver, error);
+}
+
 } // namespace
 
 bool splitWords(const std::string &line, std::vector<std::string> &words, std::vector<bool> &quoted,
@@ -292,12 +305,8 @@ bool Args::applyFields(const std::string &prefix, void *structure, const StructD
     if (dot == std::string::npos || kv.first.substr(0, dot) != prefix) {
       continue;
     }
-    const FieldDef *field = def.find(kv.first.substr(dot + 1));
-    if (field == nullptr) {
-      error = "'" + kv.first + "': " + def.name + " has no such field";
-      return false;
-    }
-    if (!setFieldValue(*field, structure, kv.second, resolver, error)) {
+    if (!setNamedField(structure, def, kv.first, kv.first.substr(dot + 1), kv.second, resolver,
+                       error)) {
       return false;
     }
   }
@@ -317,12 +326,7 @@ bool Args::applyBareFields(void *structure, const StructDef &def,
     if (skipped) {
       continue;
     }
-    const FieldDef *field = def.find(kv.first);
-    if (field == nullptr) {
-      error = "'" + kv.first + "': " + def.name + " has no such field";
-      return false;
-    }
-    if (!setFieldValue(*field, structure, kv.second, resolver, error)) {
+    if (!setNamedField(structure, def, kv.first, kv.first, kv.second, resolver, error)) {
       return false;
     }
   }

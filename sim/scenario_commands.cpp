@@ -508,6 +508,15 @@ bool handleOf(Connection &c, const std::string &name, ZKHOBJ &hobj, std::string 
   return false;
 }
 
+Connection *handleCallOf(ScenarioContext &context, const ScenarioCommand &command, ZKHOBJ &hobj,
+                         std::string &error) {
+  Connection *c = connectedOf(context, command.words[1], error);
+  if (c == nullptr || !handleOf(*c, command.words[2], hobj, error)) {
+    return nullptr;
+  }
+  return c;
+}
+
 void logResult(ScenarioContext &context, Connection &c, const std::string &call, ZKLONG compCode,
                ZKLONG reason, const std::string &details) {
   c.lastCall = call;

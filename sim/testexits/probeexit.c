@@ -37,34 +37,11 @@
  *   skip-put       ZKPUT BEFORE: answers SKIP_FUNCTION (the put is not made) */
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 
+#include "exit_parameters.h"
 #include "zk/zkxfunc.h"
 
 #define EXPORT __attribute__((visibility("default")))
-
-/* A field without its trailing blanks, NUL-terminated, in `out`. */
-static const char *field(const char *f, size_t width, char *out) {
-  size_t n = width;
-  memcpy(out, f, width);
-  while (n > 0 && (out[n - 1] == ' ' || out[n - 1] == '\0')) {
-    --n;
-  }
-  out[n] = '\0';
-  return out;
-}
-
-static int hasWord(const PZKAXP p, const char *word) {
-  char data[33];
-  char *save = NULL;
-  field(p->ExitData, sizeof p->ExitData, data);
-  for (char *w = strtok_r(data, " ", &save); w != NULL; w = strtok_r(NULL, " ", &save)) {
-    if (strcmp(w, word) == 0) {
-      return 1;
-    }
-  }
-  return 0;
-}
 
 static const char *functionName(ZKLONG f) {
   static const struct {
@@ -377,19 +354,6 @@ EXPORT void ProbeAxUnreg(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG rmid, PZKLONG f
   common(p, c);
 }
 
-/* The chain area of this exit: the header every chain area begins with. */
-static ZKACH *chainArea(const PZKAXP p) {
-  ZKACH *area = calloc(1, sizeof *area);
-  if (area != NULL) {
-    memcpy(area->StrucId, ZKACH_STRUC_ID, 4);
-    area->Version = ZKACH_VERSION_1;
-    area->StrucLength = ZKACH_LENGTH_1;
-    area->ChainAreaLength = sizeof *area;
-    memcpy(area->ExitInfoName, p->ExitInfoName, sizeof area->ExitInfoName);
-  }
-  return area;
-}
-
 void ProbeEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
   static const struct {
     ZKLONG function;
@@ -452,7 +416,7 @@ void ProbeEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
   }
   (void)pCompCode;
   if (p->ExitChainAreaPtr == NULL && hasWord(p, "own-fields")) {
-    p->ExitChainAreaPtr = chainArea(p);
+    p->ExitChainAreaPtr = newChainArea(p);
   }
   p->ExitResponse = ZKXCC_OK;
   p->ExitResponse2 = ZKXR2_DEFAULT_CONTINUATION;

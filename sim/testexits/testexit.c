@@ -24,6 +24,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "exit_parameters.h"
 #include "zk/zkxfunc.h"
 
 #define EXPORT __attribute__((visibility("default")))
@@ -63,30 +64,6 @@ void TestDataConvAfter(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ o, PPZKMD md, PPZ
 
 /* What the entry leaves in the exit user area (16 bytes). */
 static const char kUserAreaMark[17] = "testexit-area-01";
-
-/* A field without its trailing blanks, NUL-terminated, in `out`. */
-static const char *field(const char *f, size_t width, char *out) {
-  size_t n = width;
-  memcpy(out, f, width);
-  while (n > 0 && (out[n - 1] == ' ' || out[n - 1] == '\0')) {
-    --n;
-  }
-  out[n] = '\0';
-  return out;
-}
-
-/* Is `word` one of the blank-separated words of the exit data? */
-static int hasWord(const PZKAXP p, const char *word) {
-  char data[33];
-  char *save = NULL;
-  field(p->ExitData, sizeof p->ExitData, data);
-  for (char *w = strtok_r(data, " ", &save); w != NULL; w = strtok_r(NULL, " ", &save)) {
-    if (strcmp(w, word) == 0) {
-      return 1;
-    }
-  }
-  return 0;
-}
 
 static const char *nameOf(const PZKAXP p, char *out) {
   return field(p->ExitInfoName, sizeof p->ExitInfoName, out);
@@ -141,15 +118,10 @@ void TestEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
   memcpy(p->ExitUserArea, kUserAreaMark, sizeof p->ExitUserArea);
 
   /* This exit's chain area goes to the end of the chain. */
-  PZKACH area = calloc(1, sizeof *area);
+  PZKACH area = newChainArea(p);
   if (area == NULL) {
     return;
   }
-  memcpy(area->StrucId, ZKACH_STRUC_ID, 4);
-  area->Version = ZKACH_VERSION_1;
-  area->StrucLength = ZKACH_LENGTH_1;
-  area->ChainAreaLength = sizeof *area;
-  memcpy(area->ExitInfoName, p->ExitInfoName, sizeof area->ExitInfoName);
   if (p->ExitChainAreaPtr == NULL) {
     p->ExitChainAreaPtr = area;
   } else {

@@ -64,3 +64,34 @@ std::string CaptureBlock::Alerts() const {
   snprintf(name, sizeof name, "wz_apiexit_error_%d_%u.txt", (int)kProcessId, kThreadId);
   return dir_.Read(name);
 }
+
+namespace {
+
+const char kCaptureFile[] = "wz_capture.t";
+
+} // namespace
+
+FileCapture::FileCapture() {
+  std::string path = dir.File(kCaptureFile);
+  close(cb->FileDescriptor);
+  cb->FileDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600);
+  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path.c_str());
+}
+
+std::string FileCapture::Text() const {
+  return dir.Read(kCaptureFile) + block.Text();
+}
+
+std::vector<std::string> TextLines(const std::string &text) {
+  std::vector<std::string> lines;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) {
+      end = text.size();
+    }
+    lines.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return lines;
+}

@@ -8,6 +8,7 @@
 #include <stdint.h>
 
 #include <string>
+#include <vector>
 
 #include "exit/control_block.h"
 #include "tests/unit/test_support.h"
@@ -39,3 +40,19 @@ private:
   ExitControlBlock *cb_;
   TempDir dir_;
 };
+
+// A capture block whose flushed text goes to a file in its directory
+// instead of /dev/null, so that text written before a flush can be read
+// back too.
+struct FileCapture {
+  CaptureBlock block;
+  ExitControlBlock *cb = block.cb();
+  const TempDir &dir = block.Directory();
+
+  FileCapture();
+  // Everything written so far: the file, then what the buffer still holds.
+  std::string Text() const;
+};
+
+// The lines of a text, without their newlines.
+std::vector<std::string> TextLines(const std::string &text);

@@ -8,22 +8,11 @@
 #include <string>
 
 #include "format/field_primitives.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/field_line_test.h"
 
 namespace {
 
-struct FieldCharv : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-};
-
-std::string Name(const std::string &name) {
-  std::string padded = name;
-  if (padded.size() < 25) {
-    padded.append(25 - padded.size(), ' ');
-  }
-  return "|> " + padded + ": ";
-}
+struct FieldCharv : FieldLineTest {};
 
 std::string Hex(const void *p) {
   char text[16];
@@ -57,11 +46,12 @@ TEST_F(FieldCharv, StringByPointerOnTheFieldLine) {
   Holder h = {};
   h.String = Charv(text, 0, 0, 13, 273);
   ShowZKCHARV(cb, "ObjectString", &h.String, &h, nullptr);
-  EXPECT_EQ(capture.Take(), Name("ObjectString") + "\n" + Name("  VSPtr") + Hex(text) + "\n" +
-                                Name("  VSOffset") + "0\n" + Name("  VSBufSize") +
-                                "(use VSLength)\n" + Name("  VSLength") + "13\n" +
-                                Name("  VSCCSID") + "273 (AUS/GERM EBCDIC)\n" +
-                                Name("  Value (in string)") + "SPORTS/TENNIS\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("ObjectString") + "\n" + FieldLineName("  VSPtr") +
+                                Hex(text) + "\n" + FieldLineName("  VSOffset") + "0\n" +
+                                FieldLineName("  VSBufSize") + "(use VSLength)\n" +
+                                FieldLineName("  VSLength") + "13\n" + FieldLineName("  VSCCSID") +
+                                "273 (AUS/GERM EBCDIC)\n" + FieldLineName("  Value (in string)") +
+                                "SPORTS/TENNIS\n");
 }
 
 TEST_F(FieldCharv, NullTerminatedStringCountsItsTerminator) {
@@ -70,11 +60,12 @@ TEST_F(FieldCharv, NullTerminatedStringCountsItsTerminator) {
   h.String = Charv(text, 0, 0, -1, 0);
   EXPECT_EQ(CalculateZkcharvDataLength(&h.String, nullptr, &h), 6u);
   ShowZKCHARV(cb, "SelectionString", &h.String, &h, nullptr);
-  EXPECT_EQ(capture.Take(), Name("SelectionString") + "\n" + Name("  VSPtr") + Hex(text) + "\n" +
-                                Name("  VSOffset") + "0\n" + Name("  VSBufSize") +
-                                "(use VSLength)\n" + Name("VSLength") + "(null terminate)\n" +
-                                Name("  VSCCSID") + "0 (default / queue_manager)\n" +
-                                Name("  Value (in string)") + "hello\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("SelectionString") + "\n" + FieldLineName("  VSPtr") +
+                                Hex(text) + "\n" + FieldLineName("  VSOffset") + "0\n" +
+                                FieldLineName("  VSBufSize") + "(use VSLength)\n" +
+                                FieldLineName("VSLength") + "(null terminate)\n" +
+                                FieldLineName("  VSCCSID") + "0 (default / queue_manager)\n" +
+                                FieldLineName("  Value (in string)") + "hello\n");
 }
 
 TEST_F(FieldCharv, StringByOffsetFromTheStructure) {
@@ -83,11 +74,12 @@ TEST_F(FieldCharv, StringByOffsetFromTheStructure) {
   h.String = Charv(nullptr, (int32_t)offsetof(Holder, Text), 0, 9, 37);
   EXPECT_EQ(ZkcharvStringAddress(&h.String, nullptr, &h), (const void *)h.Text);
   ShowZKCHARV(cb, "ObjectString", &h.String, &h, nullptr);
-  EXPECT_EQ(capture.Take(), Name("ObjectString") + "\n" + Name("  VSPtr") + "(null)\n" +
-                                Name("  VSOffset") + std::to_string(offsetof(Holder, Text)) + "\n" +
-                                Name("  VSBufSize") + "(use VSLength)\n" + Name("  VSLength") +
-                                "9\n" + Name("  VSCCSID") + "37 (COM EUROPE EBCDIC)\n" +
-                                Name("  Value (in string)") + "by offset\n");
+  EXPECT_EQ(capture.Take(),
+            FieldLineName("ObjectString") + "\n" + FieldLineName("  VSPtr") + "(null)\n" +
+                FieldLineName("  VSOffset") + std::to_string(offsetof(Holder, Text)) + "\n" +
+                FieldLineName("  VSBufSize") + "(use VSLength)\n" + FieldLineName("  VSLength") +
+                "9\n" + FieldLineName("  VSCCSID") + "37 (COM EUROPE EBCDIC)\n" +
+                FieldLineName("  Value (in string)") + "by offset\n");
 }
 
 TEST_F(FieldCharv, BufferSizeWinsOverLength) {
@@ -97,10 +89,11 @@ TEST_F(FieldCharv, BufferSizeWinsOverLength) {
   EXPECT_EQ(CalculateZkcharvDataLength(&h.String, nullptr, &h), 8u);
   ShowZKCHARV(cb, "ResObjectString", &h.String, &h, nullptr);
   std::string shown = capture.Take();
-  EXPECT_NE(shown.find(Name("  VSBufSize") + "8\n"), std::string::npos) << shown;
-  EXPECT_NE(shown.find(Name("  VSLength") + "3\n"), std::string::npos) << shown;
-  EXPECT_NE(shown.find(Name("  VSCCSID") + "-3 (appl)\n"), std::string::npos) << shown;
-  EXPECT_NE(shown.find(Name("  Value (in string)") + "abcdefgh\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  VSBufSize") + "8\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  VSLength") + "3\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  VSCCSID") + "-3 (appl)\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  Value (in string)") + "abcdefgh\n"), std::string::npos)
+      << shown;
 }
 
 TEST_F(FieldCharv, CallerGivenAddressIsUsedAsItIs) {
@@ -111,7 +104,8 @@ TEST_F(FieldCharv, CallerGivenAddressIsUsedAsItIs) {
   EXPECT_EQ(ZkcharvStringAddress(&h.String, other, &h), (const void *)other);
   ShowZKCHARV(cb, "S", &h.String, &h, other);
   std::string shown = capture.Take();
-  EXPECT_NE(shown.find(Name("  Value (in string)") + "but this\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  Value (in string)") + "but this\n"), std::string::npos)
+      << shown;
 }
 
 TEST_F(FieldCharv, UnreadableStringShowsFieldsOnly) {
@@ -120,10 +114,11 @@ TEST_F(FieldCharv, UnreadableStringShowsFieldsOnly) {
   h.String = Charv(text, 0, 0, 5, 0);
   EXPECT_EQ(CalculateZkcharvDataLength(&h.String, ZKCHARV_STRING_UNREADABLE, &h), 0u);
   ShowZKCHARV(cb, "S", &h.String, &h, ZKCHARV_STRING_UNREADABLE);
-  EXPECT_EQ(capture.Take(), Name("S") + "\n" + Name("  VSPtr") + Hex(text) + "\n" +
-                                Name("  VSOffset") + "0\n" + Name("  VSBufSize") +
-                                "(use VSLength)\n" + Name("  VSLength") + "5\n" +
-                                Name("  VSCCSID") + "0 (default / queue_manager)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("S") + "\n" + FieldLineName("  VSPtr") + Hex(text) +
+                                "\n" + FieldLineName("  VSOffset") + "0\n" +
+                                FieldLineName("  VSBufSize") + "(use VSLength)\n" +
+                                FieldLineName("  VSLength") + "5\n" + FieldLineName("  VSCCSID") +
+                                "0 (default / queue_manager)\n");
 }
 
 TEST_F(FieldCharv, NoPointerAndNoOffsetShowsNoValue) {
@@ -133,7 +128,7 @@ TEST_F(FieldCharv, NoPointerAndNoOffsetShowsNoValue) {
   ShowZKCHARV(cb, "S", &h.String, &h, nullptr);
   std::string shown = capture.Take();
   EXPECT_EQ(shown.find("Value"), std::string::npos) << shown;
-  EXPECT_NE(shown.find(Name("  VSPtr") + "(null)\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  VSPtr") + "(null)\n"), std::string::npos) << shown;
 }
 
 TEST_F(FieldCharv, NullOrAllOnesStructureShowsFieldsOnly) {
@@ -147,12 +142,12 @@ TEST_F(FieldCharv, NullOrAllOnesStructureShowsFieldsOnly) {
   ShowZKCHARV(cb, "S", &v, nullptr, nullptr);
   std::string shown = capture.Take();
   EXPECT_EQ(shown.find("Value"), std::string::npos) << shown;
-  EXPECT_NE(shown.find(Name("  VSCCSID")), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  VSCCSID")), std::string::npos) << shown;
 }
 
 TEST_F(FieldCharv, NullDescriptorShowsItsNameOnly) {
   ShowZKCHARV(cb, "ObjectString", nullptr, nullptr, nullptr);
-  EXPECT_EQ(capture.Take(), Name("ObjectString") + "\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("ObjectString") + "\n");
 }
 
 TEST_F(FieldCharv, NegativeLengthShowsNoValue) {
@@ -161,7 +156,7 @@ TEST_F(FieldCharv, NegativeLengthShowsNoValue) {
   h.String = Charv(text, 0, 0, -5, 0);
   ShowZKCHARV(cb, "S", &h.String, &h, nullptr);
   std::string shown = capture.Take();
-  EXPECT_NE(shown.find(Name("  VSLength") + "-5\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  VSLength") + "-5\n"), std::string::npos) << shown;
   EXPECT_EQ(shown.find("Value"), std::string::npos) << shown;
 }
 
@@ -172,7 +167,8 @@ TEST_F(FieldCharv, LengthThatFitsStaysOnTheFieldLine) {
   ZKCHARV v = Charv(text.data(), 0, 0, 70, 0);
   ShowZKCHARV(cb, "S", &v, &v, nullptr);
   std::string shown = capture.Take();
-  EXPECT_NE(shown.find(Name("  Value (in string)") + text + "\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find(FieldLineName("  Value (in string)") + text + "\n"), std::string::npos)
+      << shown;
 }
 
 TEST_F(FieldCharv, LongStringGoesToTextLines) {
@@ -185,10 +181,10 @@ TEST_F(FieldCharv, LongStringGoesToTextLines) {
   ShowZKCHARV(cb, "S", &v, &v, nullptr);
   std::string shown = capture.Take();
   // Indentation 4, lines of at most 100 characters: 93 characters of text.
-  std::string expected = Name("  VSCCSID") + "0 (default / queue_manager)\n" +
-                         Name("  Value (in string)") + "\n" + "|>     " + text.substr(0, 93) +
-                         "\n" + "|>     " + text.substr(93, 93) + "\n" + "|>     " +
-                         text.substr(186) + "\n";
+  std::string expected = FieldLineName("  VSCCSID") + "0 (default / queue_manager)\n" +
+                         FieldLineName("  Value (in string)") + "\n" + "|>     " +
+                         text.substr(0, 93) + "\n" + "|>     " + text.substr(93, 93) + "\n" +
+                         "|>     " + text.substr(186) + "\n";
   ASSERT_GE(shown.size(), expected.size());
   EXPECT_EQ(shown.substr(shown.size() - expected.size()), expected) << shown;
 }
@@ -200,7 +196,7 @@ TEST_F(FieldCharv, LongStringBeyondTheLimitIsCut) {
   ZKCHARV v = Charv(text, 0, 0, 20, 0);
   ShowZKCHARV(cb, "S", &v, &v, nullptr);
   std::string shown = capture.Take();
-  std::string expected = Name("  Value (in string)") + "\n" + "|>     0123456789\n" +
+  std::string expected = FieldLineName("  Value (in string)") + "\n" + "|>     0123456789\n" +
                          "|>      (Shown only leading 10 byte(s) ...)\n";
   ASSERT_GE(shown.size(), expected.size());
   EXPECT_EQ(shown.substr(shown.size() - expected.size()), expected) << shown;
@@ -213,7 +209,8 @@ TEST_F(FieldCharv, NegativeLimitShowsTheWholeString) {
   ZKCHARV v = Charv(text, 0, 0, 20, 0);
   ShowZKCHARV(cb, "S", &v, &v, nullptr);
   std::string shown = capture.Take();
-  std::string expected = Name("  Value (in string)") + "\n" + "|>     0123456789ABCDEFGHIJ\n";
+  std::string expected =
+      FieldLineName("  Value (in string)") + "\n" + "|>     0123456789ABCDEFGHIJ\n";
   ASSERT_GE(shown.size(), expected.size());
   EXPECT_EQ(shown.substr(shown.size() - expected.size()), expected) << shown;
 }

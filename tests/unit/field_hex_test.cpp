@@ -8,22 +8,11 @@
 
 #include "format/field_primitives.h"
 #include "output/record_writers.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/field_line_test.h"
 
 namespace {
 
-struct FieldHex : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-};
-
-std::string Name(const std::string &name) {
-  std::string padded = name;
-  if (padded.size() < 25) {
-    padded.append(25 - padded.size(), ' ');
-  }
-  return "|> " + padded + ": ";
-}
+struct FieldHex : FieldLineTest {};
 
 // The image alone: no name, no hex, no null check, no newline.
 std::string Image(CaptureBlock &capture, const std::string &bytes) {
@@ -36,17 +25,17 @@ std::string Image(CaptureBlock &capture, const std::string &bytes) {
 TEST_F(FieldHex, TwentyFourZeroBytesAreNull) {
   unsigned char id[24] = {};
   ShowParsedHexValueSingleLine(cb, "MsgId", id, 24, 1, 1, 1);
-  EXPECT_EQ(capture.Take(), Name("MsgId") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgId") + "(null)\n");
   // The newline comes whatever the end-of-line flag says.
   ShowParsedHexValueSingleLine(cb, "MsgId", id, 24, 1, 1, 0);
-  EXPECT_EQ(capture.Take(), Name("MsgId") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgId") + "(null)\n");
 }
 
 TEST_F(FieldHex, OneNonZeroByteShowsAllTwentyFour) {
   unsigned char id[24] = {};
   id[5] = 'A';
   ShowParsedHexValueSingleLine(cb, "MsgId", id, 24, 1, 1, 1);
-  EXPECT_EQ(capture.Take(), Name("MsgId") +
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgId") +
                                 "00000000 00410000 00000000 00000000 00000000 00000000  "
                                 "[.....A..................]\n");
 }
@@ -54,7 +43,7 @@ TEST_F(FieldHex, OneNonZeroByteShowsAllTwentyFour) {
 TEST_F(FieldHex, HexGroupsOfFourBytes) {
   const unsigned char bytes[] = {0x12, 0x34, 0xAB, 0xCD, 0xEF, 0x01, 0x20, 0x7E, 0x7F};
   ShowParsedHexValueSingleLine(cb, "Token", bytes, (int32_t)sizeof bytes, 1, 1, 1);
-  EXPECT_EQ(capture.Take(), Name("Token") + "1234ABCD EF01207E 7F  [.4.... ~.]\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Token") + "1234ABCD EF01207E 7F  [.4.... ~.]\n");
 }
 
 TEST_F(FieldHex, FlagsLeaveOutNameHexAndNewline) {
@@ -66,16 +55,16 @@ TEST_F(FieldHex, FlagsLeaveOutNameHexAndNewline) {
   // Without the null check zeros are shown like any bytes.
   unsigned char zeros[3] = {};
   ShowParsedHexValueSingleLine(cb, "Z", zeros, 3, 0, 1, 1);
-  EXPECT_EQ(capture.Take(), Name("Z") + "000000  [...]\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Z") + "000000  [...]\n");
 }
 
 TEST_F(FieldHex, EmptyField) {
   ShowParsedHexValueSingleLine(cb, "E", "x", 0, 1, 1, 0);
-  EXPECT_EQ(capture.Take(), Name("E") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("E") + "(null)\n");
   ShowParsedHexValueSingleLine(cb, "E", "x", -3, 1, 1, 0);
-  EXPECT_EQ(capture.Take(), Name("E") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("E") + "(null)\n");
   ShowParsedHexValueSingleLine(cb, "E", "x", 0, 0, 1, 1);
-  EXPECT_EQ(capture.Take(), Name("E") + "  []\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("E") + "  []\n");
 }
 
 TEST_F(FieldHex, DefaultCodePageShowsOnlyPrintableAscii) {
@@ -130,12 +119,12 @@ TEST_F(FieldHex, ThirtyTwoBytesStayOnOneLine) {
   }
   ShowParsedHexValueFormatSelect(cb, "AccountingToken", bytes, 32);
   EXPECT_EQ(capture.Take(),
-            Name("AccountingToken") +
+            FieldLineName("AccountingToken") +
                 "41424344 45464748 494A4B4C 4D4E4F50 51525354 55565758 595A5B5C 5D5E5F60  "
                 "[ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`]\n");
   unsigned char zeros[32] = {};
   ShowParsedHexValueFormatSelect(cb, "AccountingToken", zeros, 32);
-  EXPECT_EQ(capture.Take(), Name("AccountingToken") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("AccountingToken") + "(null)\n");
 }
 
 TEST_F(FieldHex, ThirtyThreeBytesGoToTheDump) {
@@ -149,13 +138,13 @@ TEST_F(FieldHex, ThirtyThreeBytesGoToTheDump) {
   PutHexData(cb, "", bytes, 33, HEX_MODE_PREFIXED);
   std::string dump = capture.Take();
   ASSERT_FALSE(dump.empty());
-  EXPECT_EQ(shown, Name("Data") + "\n" + dump);
+  EXPECT_EQ(shown, FieldLineName("Data") + "\n" + dump);
   EXPECT_EQ(dump.rfind("|>     00000000:", 0), 0u) << dump;
   EXPECT_NE(dump.find("|>     00000020:"), std::string::npos) << dump;
 
   unsigned char zeros[40] = {};
   ShowParsedHexValueFormatSelect(cb, "Data", zeros, 40);
-  EXPECT_EQ(capture.Take(), Name("Data") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Data") + "(null)\n");
 }
 
 TEST_F(FieldHex, MultipleLinesExactDump) {
@@ -165,7 +154,7 @@ TEST_F(FieldHex, MultipleLinesExactDump) {
   }
   ShowParsedHexValueMultipleLines(cb, "Data", bytes, 33, 1);
   EXPECT_EQ(capture.Take(),
-            Name("Data") + "\n" +
+            FieldLineName("Data") + "\n" +
                 "|>     00000000:41424344 45464748 494A4B4C 4D4E4F50  [ABCDEFGHIJKLMNOP]\n"
                 "|>     00000010:51525354 55565758 595A5B5C 5D5E5F60  [QRSTUVWXYZ[\\]^_`]\n"
                 "|>     00000020:61                                   [a]\n");
@@ -174,23 +163,23 @@ TEST_F(FieldHex, MultipleLinesExactDump) {
 TEST_F(FieldHex, MultipleLinesWithoutNullCheck) {
   unsigned char zeros[4] = {};
   ShowParsedHexValueMultipleLines(cb, "Z", zeros, 4, 1);
-  EXPECT_EQ(capture.Take(), Name("Z") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Z") + "(null)\n");
   ShowParsedHexValueMultipleLines(cb, "Z", zeros, 0, 1);
-  EXPECT_EQ(capture.Take(), Name("Z") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Z") + "(null)\n");
   ShowParsedHexValueMultipleLines(cb, "Z", zeros, 4, 0);
   std::string shown = capture.Take();
   PutHexData(cb, "", zeros, 4, HEX_MODE_PREFIXED);
-  EXPECT_EQ(shown, Name("Z") + "\n" + capture.Take());
+  EXPECT_EQ(shown, FieldLineName("Z") + "\n" + capture.Take());
 }
 
 TEST_F(FieldHex, MessageHandleShowsItsEightBytes) {
   ShowZKHMSG(cb, "MsgHandle", 0);
-  EXPECT_EQ(capture.Take(), Name("MsgHandle") + "(null)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgHandle") + "(null)\n");
   ShowZKHMSG(cb, "MsgHandle", (ZKHMSG)0x0000000100000002LL);
   // Bytes in storage order of the (little-endian) host.
-  EXPECT_EQ(capture.Take(), Name("MsgHandle") + "02000000 01000000  [........]\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgHandle") + "02000000 01000000  [........]\n");
   ShowZKHMSG(cb, "MsgHandle", -1);
-  EXPECT_EQ(capture.Take(), Name("MsgHandle") + "FFFFFFFF FFFFFFFF  [........]\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgHandle") + "FFFFFFFF FFFFFFFF  [........]\n");
 }
 
 TEST_F(FieldHex, LongSingleLineIsWrittenWhole) {
@@ -203,5 +192,5 @@ TEST_F(FieldHex, LongSingleLineIsWrittenWhole) {
     }
     hex += "71";
   }
-  EXPECT_EQ(capture.Take(), Name("Long") + hex + "  [" + bytes + "]\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Long") + hex + "  [" + bytes + "]\n");
 }

@@ -7,121 +7,111 @@
 #include <string>
 
 #include "format/field_primitives.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/field_line_test.h"
 #include "zk/zk.h"
 
 namespace {
 
-struct FieldNamedValue : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-};
-
-std::string Name(const std::string &name) {
-  std::string padded = name;
-  if (padded.size() < 25) {
-    padded.append(25 - padded.size(), ' ');
-  }
-  return "|> " + padded + ": ";
-}
+struct FieldNamedValue : FieldLineTest {};
 
 } // namespace
 
 TEST_F(FieldNamedValue, CcsidWithItsName) {
   ShowParsedCommonCcsid(cb, "CodedCharSetId", 273, 1);
-  EXPECT_EQ(capture.Take(), Name("CodedCharSetId") + "   273 (AUS/GERM EBCDIC)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("CodedCharSetId") + "   273 (AUS/GERM EBCDIC)\n");
   ShowParsedCommonCcsid(cb, "CodedCharSetId", 37, 0);
-  EXPECT_EQ(capture.Take(), Name("CodedCharSetId") + "37 (COM EUROPE EBCDIC)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("CodedCharSetId") + "37 (COM EUROPE EBCDIC)\n");
   ShowParsedCommonCcsid(cb, "CodedCharSetId", 0, 1);
-  EXPECT_EQ(capture.Take(), Name("CodedCharSetId") + "     0 (default / queue_manager)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("CodedCharSetId") + "     0 (default / queue_manager)\n");
   ShowParsedCommonCcsid(cb, "  VSCCSID", -3, 0);
-  EXPECT_EQ(capture.Take(), Name("  VSCCSID") + "-3 (appl)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("  VSCCSID") + "-3 (appl)\n");
   ShowParsedCommonCcsid(cb, "CodedCharSetId", 99999, 0);
-  EXPECT_EQ(capture.Take(), Name("CodedCharSetId") + "99999 ((Unknown CCSID))\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("CodedCharSetId") + "99999 ((Unknown CCSID))\n");
 }
 
 TEST_F(FieldNamedValue, KnownFormatWithDescription) {
   ShowParsedMsgFormat(cb, "ZKXMIT  ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKXMIT (Transmission queue header)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKXMIT (Transmission queue header)\n");
   ShowParsedMsgFormat(cb, "ZKHMDE  ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKHMDE (Message descrptor extension)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKHMDE (Message descrptor extension)\n");
   ShowParsedMsgFormat(cb, "ZKHRF2  ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKHRF2 (Rules and formatting header 2)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKHRF2 (Rules and formatting header 2)\n");
   // Zero bytes end the name, which is then padded with blanks.
   const char shortName[8] = {'Z', 'K', 'S', 'T', 'R', 0, 0, 0};
   ShowParsedMsgFormat(cb, shortName);
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKSTR (String)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKSTR (String)\n");
 }
 
 TEST_F(FieldNamedValue, BlankAndUnknownFormats) {
   ShowParsedMsgFormat(cb, "        ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "(blank)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "(blank)\n");
   const char zeros[8] = {};
   ShowParsedMsgFormat(cb, zeros);
-  EXPECT_EQ(capture.Take(), Name("Format") + "(blank)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "(blank)\n");
   ShowParsedMsgFormat(cb, "MYFMT   ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "MYFMT\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "MYFMT\n");
   // All 8 bytes are compared exactly: no case folding, no wildcards.
   ShowParsedMsgFormat(cb, "zkstr   ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "zkstr\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "zkstr\n");
   ShowParsedMsgFormat(cb, "ZKS*    ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKS*\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKS*\n");
   ShowParsedMsgFormat(cb, " ZKSTR  ");
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKSTR\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKSTR\n");
   const char cut[8] = {'Z', 'K', 0, 'X', 'M', 'I', 'T', ' '};
   ShowParsedMsgFormat(cb, cut);
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZK\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZK\n");
   // Only the 8 bytes of the field are read.
   ShowParsedMsgFormat(cb, "ZKXMIT  TRAILING");
-  EXPECT_EQ(capture.Take(), Name("Format") + "ZKXMIT (Transmission queue header)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Format") + "ZKXMIT (Transmission queue header)\n");
 }
 
 TEST_F(FieldNamedValue, CompressionSpecialValues) {
   ShowParsedCompressInfo(cb, "HeaderCompression", 0x0FFFFFFF, 0, 1);
-  EXPECT_EQ(capture.Take(), Name("HeaderCompression") + "268435455 (any)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("HeaderCompression") + "268435455 (any)\n");
   ShowParsedCompressInfo(cb, "HeaderCompression", -1, 1, 1);
-  EXPECT_EQ(capture.Take(), Name("HeaderCompression") + "    -1 (not available)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("HeaderCompression") + "    -1 (not available)\n");
   ShowParsedCompressInfo(cb, "HeaderCompression", 0, 1, 0);
-  EXPECT_EQ(capture.Take(), Name("HeaderCompression") + "     0 (none)");
+  EXPECT_EQ(capture.Take(), FieldLineName("HeaderCompression") + "     0 (none)");
 }
 
 TEST_F(FieldNamedValue, CompressionBitsJoined) {
   ShowParsedCompressInfo(cb, "MsgCompression", 3, 0, 1);
-  EXPECT_EQ(capture.Take(), Name("MsgCompression") + "3 (RLE / ZLIBFAST)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgCompression") + "3 (RLE / ZLIBFAST)\n");
   ShowParsedCompressInfo(cb, "MsgCompression", 16, 0, 1);
-  EXPECT_EQ(capture.Take(), Name("MsgCompression") + "16 ()\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("MsgCompression") + "16 ()\n");
   ShowParsedCompressInfo(cb, "MsgCompression", 15, 1, 1);
   EXPECT_EQ(capture.Take(),
-            Name("MsgCompression") + "    15 (RLE / ZLIBFAST / ZLIBHIGH / SYSTEM)\n");
+            FieldLineName("MsgCompression") + "    15 (RLE / ZLIBFAST / ZLIBHIGH / SYSTEM)\n");
   ShowParsedCompressInfo(cb, "", 4 | 8 | 32, 0, 0);
   EXPECT_EQ(capture.Take(), "44 (ZLIBHIGH / SYSTEM)");
 }
 
 TEST_F(FieldNamedValue, EncodingNames) {
   ShowParsedEncodingValue(cb, 273);
-  EXPECT_EQ(capture.Take(),
-            Name("Encoding") + "273 INTEGER_NORMAL / DECIMAL_NORMAL / FLOAT_IEEE_NORMAL\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Encoding") +
+                                "273 INTEGER_NORMAL / DECIMAL_NORMAL / FLOAT_IEEE_NORMAL\n");
   ShowParsedEncodingValue(cb, 546);
   EXPECT_EQ(
       capture.Take(),
-      Name("Encoding") +
+      FieldLineName("Encoding") +
           "546 (Native encoding) INTEGER_REVERSED / DECIMAL_REVERSED / FLOAT_IEEE_REVERSED\n");
   ShowParsedEncodingValue(cb, 0x311);
   EXPECT_EQ(capture.Take(),
-            Name("Encoding") + "785 INTEGER_NORMAL / DECIMAL_NORMAL / FLOAT_S390\n");
+            FieldLineName("Encoding") + "785 INTEGER_NORMAL / DECIMAL_NORMAL / FLOAT_S390\n");
   ShowParsedEncodingValue(cb, 0x422);
   EXPECT_EQ(capture.Take(),
-            Name("Encoding") + "1058 INTEGER_REVERSED / DECIMAL_REVERSED / FLOAT_TNS\n");
+            FieldLineName("Encoding") + "1058 INTEGER_REVERSED / DECIMAL_REVERSED / FLOAT_TNS\n");
   ShowParsedEncodingValue(cb, 0);
-  EXPECT_EQ(capture.Take(),
-            Name("Encoding") + "0 INTEGER_UNDEFINED / DECIMAL_UNDEFINED / FLOAT_UNDEFINED\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Encoding") +
+                                "0 INTEGER_UNDEFINED / DECIMAL_UNDEFINED / FLOAT_UNDEFINED\n");
   ShowParsedEncodingValue(cb, -1);
-  EXPECT_EQ(capture.Take(), Name("Encoding") + "4294967295 INTEGER_UNDEFINED / DECIMAL_UNDEFINED / "
-                                               "FLOAT_UNDEFINED\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Encoding") +
+                                "4294967295 INTEGER_UNDEFINED / DECIMAL_UNDEFINED / "
+                                "FLOAT_UNDEFINED\n");
   // Bits above the three fields name nothing.
   ShowParsedEncodingValue(cb, 0x1222);
-  EXPECT_EQ(capture.Take(),
-            Name("Encoding") + "4642 INTEGER_REVERSED / DECIMAL_REVERSED / FLOAT_IEEE_REVERSED\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Encoding") +
+                                "4642 INTEGER_REVERSED / DECIMAL_REVERSED / FLOAT_IEEE_REVERSED\n");
 }
 
 TEST(FieldByteOrder, FourByteValues) {
@@ -158,8 +148,8 @@ TEST_F(FieldNamedValue, BigEndianStructureHasItsIntegersReversed) {
   ShowFieldValueZklong(cb, "Version", ZklongValueRegardingEncoding(md.Version, encoding), 1);
   ShowFieldValueZklong(cb, "Expiry", ZklongValueRegardingEncoding(md.Expiry, encoding), 1);
   ShowFieldValueZklong(cb, "Priority", ZklongValueRegardingEncoding(md.Priority, encoding), 1);
-  EXPECT_EQ(capture.Take(),
-            Name("Version") + "2\n" + Name("Expiry") + "300\n" + Name("Priority") + "-1\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Version") + "2\n" + FieldLineName("Expiry") + "300\n" +
+                                FieldLineName("Priority") + "-1\n");
 }
 
 TEST_F(FieldNamedValue, HostOrderStructureIsShownAsItIs) {

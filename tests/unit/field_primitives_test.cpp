@@ -8,24 +8,12 @@
 #include <string>
 
 #include "format/field_primitives.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/field_line_test.h"
 #include "text/string_utils.h"
 
 namespace {
 
-struct FieldLine : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-};
-
-// The field-name part of a line, built independently of the code under test.
-std::string Name(const std::string &name) {
-  std::string padded = name;
-  if (padded.size() < 25) {
-    padded.append(25 - padded.size(), ' ');
-  }
-  return "|> " + padded + ": ";
-}
+struct FieldLine : FieldLineTest {};
 
 } // namespace
 
@@ -60,61 +48,61 @@ TEST_F(FieldLine, VersionHeaderOfALongNameGetsNoDashes) {
 
 TEST_F(FieldLine, ZklongPlainAndFixedWidth) {
   ShowFieldValueZklong(cb, "Version", 2, 1);
-  EXPECT_EQ(capture.Take(), Name("Version") + "2\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Version") + "2\n");
   ShowFieldValueZklong(cb, "Priority", -1, 0);
-  EXPECT_EQ(capture.Take(), Name("Priority") + "-1");
+  EXPECT_EQ(capture.Take(), FieldLineName("Priority") + "-1");
   ShowFieldValueZklong(cb, "", 42, 1);
   EXPECT_EQ(capture.Take(), "42\n");
   ShowFieldValueZklong(cb, "X", INT32_MIN, 1);
-  EXPECT_EQ(capture.Take(), Name("X") + "-2147483648\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("X") + "-2147483648\n");
 
   ShowFieldValueZklongFixedLen(cb, "Expiry", 5, 1);
-  EXPECT_EQ(capture.Take(), Name("Expiry") + "     5\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Expiry") + "     5\n");
   ShowFieldValueZklongFixedLen(cb, "Expiry", -1, 0);
-  EXPECT_EQ(capture.Take(), Name("Expiry") + "    -1");
+  EXPECT_EQ(capture.Take(), FieldLineName("Expiry") + "    -1");
   ShowFieldValueZklongFixedLen(cb, "", 1234567, 1);
   EXPECT_EQ(capture.Take(), "1234567\n");
   ShowFieldValueZklongFixedLen(cb, "Big", INT32_MAX, 1);
-  EXPECT_EQ(capture.Take(), Name("Big") + "2147483647\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Big") + "2147483647\n");
 }
 
 TEST_F(FieldLine, Int64FixedWidthWithAndWithoutDescription) {
   ShowFieldValueZkInt64FixedLen(cb, "Count", 7, 0, "");
-  EXPECT_EQ(capture.Take(), Name("Count") + "     7\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Count") + "     7\n");
   ShowFieldValueZkInt64FixedLen(cb, "Count", 7, 0, nullptr);
-  EXPECT_EQ(capture.Take(), Name("Count") + "     7\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Count") + "     7\n");
   ShowFieldValueZkInt64FixedLen(cb, "Bytes", 0x00000001, 0x0000000A, "bytes");
-  EXPECT_EQ(capture.Take(), Name("Bytes") + "42949672961 (bytes)\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Bytes") + "42949672961 (bytes)\n");
   ShowFieldValueZkInt64FixedLen(cb, "", 0xFFFFFFFF, 0xFFFFFFFF, "unlimited");
   EXPECT_EQ(capture.Take(), "    -1 (unlimited)\n");
   ShowFieldValueZkInt64FixedLen(cb, "Min", 0, 0x80000000u, "");
-  EXPECT_EQ(capture.Take(), Name("Min") + "-9223372036854775808\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Min") + "-9223372036854775808\n");
 }
 
 TEST_F(FieldLine, StringDropsTrailingBlanksAndLineEnds) {
   const char queue[] = "SYSTEM.DEFAULT.LOCAL.QUEUE \r\n  ";
   ShowFieldValueStringFixed(cb, "ObjectName", queue, (int32_t)strlen(queue));
-  EXPECT_EQ(capture.Take(), Name("ObjectName") + "SYSTEM.DEFAULT.LOCAL.QUEUE\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("ObjectName") + "SYSTEM.DEFAULT.LOCAL.QUEUE\n");
   const char inner[] = "  A B  ";
   ShowFieldValueStringFixed(cb, "Inner", inner, 7);
-  EXPECT_EQ(capture.Take(), Name("Inner") + "  A B\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Inner") + "  A B\n");
 }
 
 TEST_F(FieldLine, AllBlankFixedNameShowsOnlyTheFieldName) {
   char name48[48];
   memset(name48, ' ', sizeof name48);
   ShowFieldValueStringFixed(cb, "ResolvedQName", name48, 48);
-  EXPECT_EQ(capture.Take(), Name("ResolvedQName") + "\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("ResolvedQName") + "\n");
   ShowFieldValueStringFixed(cb, "Empty", "", 0);
-  EXPECT_EQ(capture.Take(), Name("Empty") + "\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Empty") + "\n");
   ShowFieldValueStringFixed(cb, "Negative", "abc", -5);
-  EXPECT_EQ(capture.Take(), Name("Negative") + "\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Negative") + "\n");
 }
 
 TEST_F(FieldLine, StringShowsOnlySevenBitAscii) {
   const unsigned char bytes[] = {'A', 0x09, 0x7F, 0x80, 0xC3, 0xA9, 'z', 0x1F, '~'};
   ShowFieldValueStringFixed(cb, "Data", bytes, (int32_t)sizeof bytes);
-  EXPECT_EQ(capture.Take(), Name("Data") + "A.....z.~\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Data") + "A.....z.~\n");
   // The same rule as StringXlateToSevenBitAscii, byte for byte.
   for (int b = 1; b < 256; b++) {
     char one[2] = {(char)b, 0};
@@ -137,8 +125,8 @@ TEST_F(FieldLine, ZeroByteEndsOnlyItsOwnPiece) {
   data[10] = '\0';
   data[120] = '\0';
   ShowFieldValueStringFixed(cb, "Long", data, 250);
-  std::string expected = Name("Long") + std::string(data, 10) + std::string(data + 99, 21) +
-                         std::string(data + 198, 52) + "\n";
+  std::string expected = FieldLineName("Long") + std::string(data, 10) +
+                         std::string(data + 99, 21) + std::string(data + 198, 52) + "\n";
   EXPECT_EQ(capture.Take(), expected);
 }
 
@@ -148,7 +136,7 @@ TEST_F(FieldLine, LongStringIsWrittenWhole) {
     text[i] = (char)('A' + i % 23);
   }
   ShowFieldValueStringFixed(cb, "Big", text.data(), (int32_t)text.size());
-  EXPECT_EQ(capture.Take(), Name("Big") + text + "\n");
+  EXPECT_EQ(capture.Take(), FieldLineName("Big") + text + "\n");
 }
 
 TEST_F(FieldLine, AttributeDescriptionBuildsAFlagList) {
@@ -159,7 +147,8 @@ TEST_F(FieldLine, AttributeDescriptionBuildsAFlagList) {
   ShowAttributeDescription(cb, &counter, "NEW_MSG_ID");
   ShowAttributeDescription(cb, &counter, "FAIL_IF_QUIESCING");
   EXPECT_EQ(counter, 3u);
-  EXPECT_EQ(capture.Take(), Name("Options") + "SYNCPOINT / NEW_MSG_ID / FAIL_IF_QUIESCING");
+  EXPECT_EQ(capture.Take(),
+            FieldLineName("Options") + "SYNCPOINT / NEW_MSG_ID / FAIL_IF_QUIESCING");
 }
 
 TEST_F(FieldLine, HexIntegersAndPointers) {

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <pthread.h>
 #include <stdint.h>
 #include <stdlib.h>
@@ -27,11 +26,7 @@ namespace {
 
 // A capture block whose text ends up in a file and its write buffer, with
 // the identity texts that start-up would fill.
-struct ProfileCapture {
-  CaptureBlock block;
-  ExitControlBlock *cb = block.cb();
-  const TempDir &dir = block.Directory();
-
+struct ProfileCapture : FileCapture {
   ProfileCapture() {
     cb->Settings.ShowZkVersion = 0;
     cb->ApiLevel = API_LEVEL_700;
@@ -53,31 +48,11 @@ struct ProfileCapture {
     snprintf(cb->ProcessDescription, sizeof cb->ProcessDescription, "(user program)");
     cb->ZkaxcProcessId = 4242;
     cb->ZkaxcThreadId = 7;
-    // The profile flushes the buffer: its text is read back from a file.
-    std::string path = dir.File("wz_capture.t");
-    close(cb->FileDescriptor);
-    cb->FileDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600);
-    snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path.c_str());
   }
-  std::string Text() const { return dir.Read("wz_capture.t") + block.Text(); }
 };
 
 bool HasLine(const std::string &text, const std::string &line) {
   return ("\n" + text).find("\n" + line + "\n") != std::string::npos;
-}
-
-std::vector<std::string> Lines(const std::string &text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) {
-      end = text.size();
-    }
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
 }
 
 // Puts a directory first on PATH, and a library path in the environment,
@@ -543,7 +518,7 @@ struct EnvironmentSwap {
 std::vector<std::string> EnvironmentListing(const std::string &text) {
   std::vector<std::string> entries;
   bool in = false;
-  for (const std::string &line : Lines(text)) {
+  for (const std::string &line : TextLines(text)) {
     if (line == "|Environment variables") {
       in = true;
       continue;

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <pthread.h>
 #include <stdlib.h>
 #include <string.h>
@@ -40,29 +39,12 @@ namespace {
   "---------\n"
 #define EMPTY_COUNTS "       0        0        0        0        0 "
 
-// Sends what the block flushes to a file in its directory instead of
-// /dev/null, so that text written before a flush can be read back too.
-void RedirectToFile(CaptureBlock &block, const char *name) {
-  ExitControlBlock *cb = block.cb();
-  std::string path = block.Directory().File(name);
-  close(cb->FileDescriptor);
-  cb->FileDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600);
-  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path.c_str());
-}
-
 // A capture block whose flushed text goes to a file, with counting helpers.
-struct SummaryCapture {
-  CaptureBlock block;
-  ExitControlBlock *cb = block.cb();
-  const TempDir &dir = block.Directory();
-
+struct SummaryCapture : FileCapture {
   SummaryCapture() {
     cb->ApiLevel = API_LEVEL_700;
     cb->ExecStatus = 1;
-    RedirectToFile(block, "wz_capture.t");
   }
-  // Everything written so far: the file, then what the buffer still holds.
-  std::string Text() const { return dir.Read("wz_capture.t") + block.Text(); }
   CallCounterRecord &Record(int32_t function, int32_t period) {
     int32_t index = StatisticsIndexOfFunction(function);
     EXPECT_GE(index, 0);
@@ -75,25 +57,11 @@ struct SummaryCapture {
   }
 };
 
-std::vector<std::string> Lines(const std::string &text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) {
-      end = text.size();
-    }
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
-}
-
 // The labels of the table rows in the first table of the text.
 std::vector<std::string> RowLabels(const std::string &text, size_t labelWidth) {
   std::vector<std::string> labels;
   bool inTable = false;
-  for (const std::string &line : Lines(text)) {
+  for (const std::string &line : TextLines(text)) {
     if (line.rfind("|  ---", 0) == 0) {
       inTable = true;
       continue;
