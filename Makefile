@@ -11,9 +11,14 @@ all: build
 deps:
 	@scripts/install-deps.sh
 
+# The toolchain file is read when the build folder is first configured.
 configure: deps
-	@cmake -S . -B $(BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/i386.cmake \
-	  -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) >/dev/null
+	@if [ -f $(BUILD)/CMakeCache.txt ]; then \
+	  cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) >/dev/null; \
+	else \
+	  cmake -S . -B $(BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/i386.cmake \
+	    -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) >/dev/null; \
+	fi
 
 build: configure
 	@cmake --build $(BUILD) -j$(JOBS)
