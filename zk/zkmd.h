@@ -88,67 +88,45 @@ typedef struct tagZKMD1 {
 } ZKMD1;
 typedef ZKMD1 *PZKMD1;
 
-/* Initial value of ZKMD: the platform default (version 1). */
+/* The version-1 fields of the platform default, shared by ZKMD and ZKMD1. */
 /* clang-format off */
+#define ZKMD_DEFAULT_VERSION_1_FIELDS                                                              \
+  {ZKMD_STRUC_ID_ARRAY},                                                                           \
+  ZKMD_VERSION_1,                                                                                  \
+  0 /* report: none */,                                                                            \
+  8 /* message type: datagram */,                                                                  \
+  -1 /* expiry: unlimited */,                                                                      \
+  0 /* feedback: none */,                                                                          \
+  546 /* encoding: native */,                                                                      \
+  0 /* CCSID: queue manager's */,                                                                  \
+  {ZK_BLANKS8} /* format: none */,                                                                 \
+  -1 /* priority: as queue definition */,                                                          \
+  2 /* persistence: as queue definition */,                                                        \
+  {0} /* MsgId: none */,                                                                           \
+  {0} /* CorrelId: none */,                                                                        \
+  0 /* backout count */,                                                                           \
+  {ZK_BLANKS48},                                                                                   \
+  {ZK_BLANKS48},                                                                                   \
+  {ZK_BLANKS12},                                                                                   \
+  {0} /* accounting token: none */,                                                                \
+  {ZK_BLANKS32},                                                                                   \
+  0 /* put application type: no context */,                                                        \
+  {ZK_BLANKS28},                                                                                   \
+  {ZK_BLANKS8},                                                                                    \
+  {ZK_BLANKS8},                                                                                    \
+  {ZK_BLANKS4}
+
+/* Initial value of ZKMD: the platform default (version 1). */
 #define ZKMD_DEFAULT                                                                               \
-  {{ZKMD_STRUC_ID_ARRAY},                                                                          \
-   ZKMD_VERSION_1,                                                                                 \
-   0 /* report: none */,                                                                           \
-   8 /* message type: datagram */,                                                                 \
-   -1 /* expiry: unlimited */,                                                                     \
-   0 /* feedback: none */,                                                                         \
-   546 /* encoding: native */,                                                                     \
-   0 /* CCSID: queue manager's */,                                                                 \
-   {ZK_BLANKS8} /* format: none */,                                                                \
-   -1 /* priority: as queue definition */,                                                         \
-   2 /* persistence: as queue definition */,                                                       \
-   {0} /* MsgId: none */,                                                                          \
-   {0} /* CorrelId: none */,                                                                       \
-   0 /* backout count */,                                                                          \
-   {ZK_BLANKS48},                                                                                  \
-   {ZK_BLANKS48},                                                                                  \
-   {ZK_BLANKS12},                                                                                  \
-   {0} /* accounting token: none */,                                                               \
-   {ZK_BLANKS32},                                                                                  \
-   0 /* put application type: no context */,                                                       \
-   {ZK_BLANKS28},                                                                                  \
-   {ZK_BLANKS8},                                                                                   \
-   {ZK_BLANKS8},                                                                                   \
-   {ZK_BLANKS4},                                                                                   \
+  {ZKMD_DEFAULT_VERSION_1_FIELDS,                                                                  \
    {0} /* GroupId: none */,                                                                        \
    1 /* MsgSeqNumber */,                                                                           \
    0 /* Offset */,                                                                                 \
    0 /* MsgFlags: none */,                                                                         \
    -1 /* OriginalLength: undefined */}
-/* clang-format on */
 
 /* Initial value of ZKMD1. */
-/* clang-format off */
-#define ZKMD1_DEFAULT                                                                              \
-  {{ZKMD_STRUC_ID_ARRAY},                                                                          \
-   ZKMD_VERSION_1,                                                                                 \
-   0 /* report: none */,                                                                           \
-   8 /* message type: datagram */,                                                                 \
-   -1 /* expiry: unlimited */,                                                                     \
-   0 /* feedback: none */,                                                                         \
-   546 /* encoding: native */,                                                                     \
-   0 /* CCSID: queue manager's */,                                                                 \
-   {ZK_BLANKS8} /* format: none */,                                                                \
-   -1 /* priority: as queue definition */,                                                         \
-   2 /* persistence: as queue definition */,                                                       \
-   {0} /* MsgId: none */,                                                                          \
-   {0} /* CorrelId: none */,                                                                       \
-   0 /* backout count */,                                                                          \
-   {ZK_BLANKS48},                                                                                  \
-   {ZK_BLANKS48},                                                                                  \
-   {ZK_BLANKS12},                                                                                  \
-   {0} /* accounting token: none */,                                                               \
-   {ZK_BLANKS32},                                                                                  \
-   0 /* put application type: no context */,                                                       \
-   {ZK_BLANKS28},                                                                                  \
-   {ZK_BLANKS8},                                                                                   \
-   {ZK_BLANKS8},                                                                                   \
-   {ZK_BLANKS4}}
+#define ZKMD1_DEFAULT {ZKMD_DEFAULT_VERSION_1_FIELDS}
 /* clang-format on */
 
 ZK_CHECK_SIZE(ZKMD, ZKMD_LENGTH_2);
