@@ -6,6 +6,7 @@
 
 #include "config/parameters.h"
 #include "exit/alerts.h"
+#include "exit/exit_files.h"
 #include "text/codepage.h"
 #include "text/string_utils.h"
 
@@ -149,7 +150,9 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
   }
   memcpy(path + length, PARAMETER_FILE_NAME, sizeof PARAMETER_FILE_NAME);
 
-  FILE *file = fopen(path, "r");
+  // A FIFO, a device, a directory or a link at the name is a file that
+  // cannot be read: opening it must neither block nor follow anything.
+  FILE *file = OpenExitStream(path, EXIT_FILE_READ);
   if (file == nullptr) {
     memset(path, 0, sizeof settings->ParameterFilePath);
     return 0;
@@ -157,6 +160,7 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
 
   int32_t result = 0;
   int32_t lineNumber = 0;
+  int32_t badLines = 0;
   char line[PARAMETER_LINE_MAX + 2];
   char lineAsRead[PARAMETER_LINE_MAX + 2];
   // A longer physical line comes in pieces of 498 characters; each piece is
@@ -168,13 +172,20 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
       continue;
     }
     if (result == 0 && context != nullptr) {
-      PutMessage(context, 2008, 0, settings->ParameterFilePath);
+      PutMessage<2008>(context, 0, settings->ParameterFilePath);
     }
     result = -1;
-    if (context != nullptr) {
+    badLines++;
+    // A file of bad lines must not flood the error file: the first ones
+    // are reported, the rest counted.
+    if (context != nullptr && badLines <= PARAMETER_BAD_LINES_REPORTED) {
       TrimTrailingWhiteSpace(lineAsRead);
-      PutMessage(context, 2009, 0, lineNumber, lineAsRead);
+      PutMessage<2009>(context, 0, lineNumber, (const char *)lineAsRead);
     }
+  }
+  if (context != nullptr && badLines > PARAMETER_BAD_LINES_REPORTED) {
+    PutMessage<2011>(context, 0, badLines - PARAMETER_BAD_LINES_REPORTED,
+                     settings->ParameterFilePath);
   }
   fclose(file);
 

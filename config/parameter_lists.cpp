@@ -24,7 +24,7 @@ int32_t ListHasRoom(ExitControlBlock *context, int32_t count, const char *keywor
     return 1;
   }
   if (context != nullptr) {
-    PutMessage(context, 2010, 0, keyword, (int32_t)PARAMETER_LIST_MAX);
+    PutMessage<2010>(context, 0, keyword, (int32_t)PARAMETER_LIST_MAX);
   }
   return 0;
 }

@@ -16,6 +16,9 @@ struct ExitControlBlock;
 #define PARAMETER_LIST_MAX 100
 // A line is read in pieces of at most this many characters.
 #define PARAMETER_LINE_MAX 498
+// Bad lines of one reading that are reported one by one; the rest are
+// counted in one closing message.
+#define PARAMETER_BAD_LINES_REPORTED 100
 // Significant characters of a list entry's names and of the compress command.
 #define PARAMETER_QUEUE_NAME_MAX 48
 #define PARAMETER_PROCESS_NAME_MAX 28

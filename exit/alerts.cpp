@@ -5,7 +5,6 @@
 
 #include <errno.h>
 #include <pthread.h>
-#include <stdarg.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/time.h>
@@ -13,6 +12,7 @@
 #include <unistd.h>
 
 #include "exit/control_block.h"
+#include "exit/exit_files.h"
 #include "exit/message_tables.h"
 #include "text/string_utils.h"
 
@@ -31,142 +31,215 @@ void FormatTimeStamp(char *out, size_t size) {
            (unsigned)local.tm_min, (unsigned)local.tm_sec, (unsigned)now.tv_usec);
 }
 
-// Fills the placeholders $1, $2, ... in order from the argument list; stops
-// at the first number that has no placeholder of any kind.
-void FillArguments(char *line, va_list args) {
-  for (int32_t n = 1;; n++) {
-    char placeholder[16];
-    char value[kLineSize];
-    snprintf(placeholder, sizeof placeholder, "[$%ds]", n);
-    if (StringSearch(line, placeholder) >= 0) {
-      const char *text = va_arg(args, const char *);
-      snprintf(value, sizeof value, "%s", text != nullptr ? text : "(null)");
-    } else if (snprintf(placeholder, sizeof placeholder, "[$%dd]", n),
-               StringSearch(line, placeholder) >= 0) {
-      snprintf(value, sizeof value, "%d", (int)va_arg(args, int32_t));
-    } else if (snprintf(placeholder, sizeof placeholder, "[$%du]", n),
-               StringSearch(line, placeholder) >= 0) {
-      snprintf(value, sizeof value, "%u", (unsigned)va_arg(args, uint32_t));
-    } else if (snprintf(placeholder, sizeof placeholder, "[$%dx]", n),
-               StringSearch(line, placeholder) >= 0) {
-      snprintf(value, sizeof value, "0x%08X", (unsigned)va_arg(args, uint32_t));
-    } else {
-      return;
+// A text being built in a fixed buffer: what does not fit is cut.
+struct LineOut {
+  char *Text;
+  int32_t Size;
+  int32_t Used;
+};
+
+void Append(LineOut *out, const char *text, size_t length) {
+  if (out->Size <= 0) {
+    return;
+  }
+  size_t room = (size_t)(out->Size - 1 - out->Used);
+  if (length > room) {
+    length = room;
+  }
+  memcpy(out->Text + out->Used, text, length);
+  out->Used += (int32_t)length;
+  out->Text[out->Used] = '\0';
+}
+
+void AppendText(LineOut *out, const char *text) {
+  Append(out, text, strlen(text));
+}
+
+// The value of a placeholder, or null when it has none and stays as it
+// stands.
+const char *PlaceholderValue(const MessagePlaceholder &placeholder, const char *timeStamp,
+                             int32_t errorNumber, const AlertArgument *arguments, int32_t count,
+                             uint32_t *used, char *scratch, size_t scratchSize) {
+  if (placeholder.Kind == 't') {
+    return timeStamp; // null: left as it stands
+  }
+  if (placeholder.Number == 0) {
+    if (placeholder.Kind == 's') {
+      return SearchErrorName(errorNumber);
     }
-    StringReplaceFirst(line, kLineSize, placeholder, value);
+    if (placeholder.Kind == 'd') {
+      snprintf(scratch, scratchSize, "%d", (int)errorNumber);
+      return scratch;
+    }
+    return nullptr;
+  }
+  int32_t index = placeholder.Number - 1;
+  if (index >= count || index >= 32 || (*used & (1u << index)) != 0) {
+    return nullptr;
+  }
+  const AlertArgument &argument = arguments[index];
+  char wanted = placeholder.Kind == 'x' ? 'u' : placeholder.Kind;
+  if (argument.Kind != wanted) {
+    return nullptr;
+  }
+  *used |= 1u << index;
+  switch (placeholder.Kind) {
+  case 's':
+    return argument.Text != nullptr ? argument.Text : "(null)";
+  case 'd':
+    snprintf(scratch, scratchSize, "%d", (int)(int32_t)argument.Number);
+    return scratch;
+  case 'u':
+    snprintf(scratch, scratchSize, "%u", (unsigned)argument.Number);
+    return scratch;
+  default:
+    snprintf(scratch, scratchSize, "0x%08X", (unsigned)argument.Number);
+    return scratch;
   }
 }
 
-// Appends the line to a file; 0 when the whole line was written.
-int32_t AppendLine(const char *path, const char *line) {
-  FILE *file = fopen(path, "a");
-  if (file == nullptr) {
-    return -1;
+void FillInto(LineOut *out, const char *messageTemplate, const char *timeStamp, int32_t errorNumber,
+              const AlertArgument *arguments, int32_t count) {
+  uint32_t used = 0;
+  bool timeDone = false;
+  bool errorNameDone = false;
+  bool errorNumberDone = false;
+  const char *p = messageTemplate;
+  while (*p != '\0') {
+    const char *literal = p;
+    while (*p != '\0' && !(p[0] == '[' && p[1] == '$')) {
+      p++;
+    }
+    Append(out, literal, (size_t)(p - literal));
+    if (*p == '\0') {
+      break;
+    }
+    MessagePlaceholder placeholder = ReadMessagePlaceholder(p);
+    if (placeholder.Length == 0) {
+      Append(out, p, 2);
+      p += 2;
+      continue;
+    }
+    // The time and the error are each filled at their first place only.
+    bool *once = placeholder.Kind == 't'                              ? &timeDone
+                 : placeholder.Number == 0 && placeholder.Kind == 's' ? &errorNameDone
+                 : placeholder.Number == 0 && placeholder.Kind == 'd' ? &errorNumberDone
+                                                                      : nullptr;
+    char scratch[16];
+    const char *value = (once != nullptr && *once)
+                            ? nullptr
+                            : PlaceholderValue(placeholder, timeStamp, errorNumber, arguments,
+                                               count, &used, scratch, sizeof scratch);
+    if (value != nullptr && once != nullptr) {
+      *once = true;
+    }
+    if (value != nullptr) {
+      AppendText(out, value);
+    } else {
+      Append(out, p, (size_t)placeholder.Length);
+    }
+    p += placeholder.Length;
   }
-  int written = fprintf(file, "%s", line);
-  int closed = fclose(file);
-  return (written == (int)strlen(line) && closed == 0) ? 0 : -1;
+}
+
+// The process and thread a message is written for: the connection's own
+// identifiers when the block holds them, else the caller's.
+void MessageIdentity(const ExitControlBlock *cb, uint32_t *pid, uint32_t *tid) {
+  *pid = (uint32_t)getpid();
+  *tid = (uint32_t)pthread_self();
+  if (cb != nullptr) {
+    if (cb->ProcessId != 0) {
+      *pid = (uint32_t)cb->ProcessId;
+    }
+    if (cb->ThreadId != 0) {
+      *tid = cb->ThreadId;
+    }
+  }
 }
 
 } // namespace
 
-void PutMessage(const ExitControlBlock *cb, uint32_t number, int32_t error, ...) {
-  int savedErrno = errno;
-  int32_t errorNumber = error == -1 ? savedErrno : error;
-  uint32_t pid = (uint32_t)getpid();
-  uint32_t tid = (uint32_t)pthread_self();
-  if (cb != nullptr) {
-    if (cb->ProcessId != 0) {
-      pid = (uint32_t)cb->ProcessId;
-    }
-    if (cb->ThreadId != 0) {
-      tid = cb->ThreadId;
-    }
+int32_t FillMessageTemplate(char *out, int32_t size, const char *messageTemplate,
+                            const char *timeStamp, int32_t errorNumber,
+                            const AlertArgument *arguments, int32_t count) {
+  LineOut line = {out, size, 0};
+  if (size > 0) {
+    out[0] = '\0';
   }
+  if (messageTemplate == nullptr) {
+    return 0;
+  }
+  if (arguments == nullptr || count < 0) {
+    count = 0;
+  }
+  FillInto(&line, messageTemplate, timeStamp, errorNumber, arguments, count);
+  return line.Used;
+}
 
-  char line[kLineSize];
-  if (cb != nullptr) {
-    snprintf(line, sizeof line, "[$t]  [%s] (%u.%u) Msg%u: ", cb->ProcessName, pid, tid, number);
-  } else {
-    snprintf(line, sizeof line, "[$t]  (%u.%u) Msg%u: ", pid, tid, number);
+int32_t BuildMessageLine(char *out, int32_t size, const ExitControlBlock *cb, uint32_t number,
+                         int32_t errorNumber, const AlertArgument *arguments, int32_t count) {
+  if (errorNumber == -1) {
+    errorNumber = errno;
   }
+  uint32_t pid;
+  uint32_t tid;
+  MessageIdentity(cb, &pid, &tid);
+  LineOut line = {out, size, 0};
+  if (size <= 0) {
+    return 0;
+  }
+  out[0] = '\0';
+  // The line keeps room for its line feed, whatever the text.
+  line.Size = size - 1;
+
+  char piece[64];
+  FormatTimeStamp(piece, sizeof piece);
+  AppendText(&line, piece);
+  AppendText(&line, "  ");
+  if (cb != nullptr) {
+    AppendText(&line, "[");
+    Append(&line, cb->ProcessName, strnlen(cb->ProcessName, sizeof cb->ProcessName));
+    AppendText(&line, "] ");
+  }
+  snprintf(piece, sizeof piece, "(%u.%u) Msg%u: ", pid, tid, number);
+  AppendText(&line, piece);
+
   const char *messageTemplate = SearchMessageTemplate(number);
-  size_t used = strlen(line);
-  snprintf(line + used, sizeof line - used, "%s",
-           messageTemplate != nullptr ? messageTemplate : "(Unknown message id)");
-
-  char value[64];
-  FormatTimeStamp(value, sizeof value);
-  StringReplaceFirst(line, kLineSize, "[$t]", value);
-  StringReplaceFirst(line, kLineSize, "[$0s]", SearchErrorName(errorNumber));
-  snprintf(value, sizeof value, "%d", (int)errorNumber);
-  StringReplaceFirst(line, kLineSize, "[$0d]", value);
-
-  va_list args;
-  va_start(args, error);
-  FillArguments(line, args);
-  va_end(args);
-
-  used = strlen(line);
-  if (used + 1 < sizeof line) {
-    line[used] = '\n';
-    line[used + 1] = '\0';
+  if (messageTemplate == nullptr) {
+    AppendText(&line, "(Unknown message id)");
   } else {
-    line[sizeof line - 2] = '\n';
+    if (arguments == nullptr || count < 0) {
+      count = 0;
+    }
+    // The time stands in the prefix; the template has no place for it.
+    FillInto(&line, messageTemplate, nullptr, errorNumber, arguments, count);
   }
+  out[line.Used++] = '\n';
+  out[line.Used] = '\0';
+  return line.Used;
+}
 
+void PutMessageArguments(const ExitControlBlock *cb, uint32_t number, int32_t error,
+                         const AlertArgument *arguments, int32_t count) {
+  int savedErrno = errno;
+  char line[kLineSize];
+  int32_t length = BuildMessageLine(line, sizeof line, cb, number, error == -1 ? savedErrno : error,
+                                    arguments, count);
+
+  uint32_t pid;
+  uint32_t tid;
+  MessageIdentity(cb, &pid, &tid);
   const char *kind = (cb != nullptr && cb->ExitType == EXIT_TYPE_CHANNEL) ? "wz_chlexit_error"
                                                                           : "wz_apiexit_error";
   char path[512];
   if (cb != nullptr) {
     snprintf(path, sizeof path, "%s%s_%u_%u.txt", cb->TraceDirectory, kind, pid, tid);
-    if (AppendLine(path, line) == 0) {
+    if (AppendToExitFile(path, line, (size_t)length) == 0) {
       errno = savedErrno;
       return;
     }
   }
   snprintf(path, sizeof path, "%s_%u_%u.txt", kind, pid, tid);
-  AppendLine(path, line);
+  AppendToExitFile(path, line, (size_t)length);
   errno = savedErrno;
-}
-
-int32_t PerformCommand(const ExitControlBlock *cb, const char *commandLine) {
-  char quoted[kLineSize];
-  FILE *pipe = popen(commandLine, "r");
-  if (pipe == nullptr) {
-    snprintf(quoted, sizeof quoted, "popen \"%s\"", commandLine);
-    PutMessage(cb, 1002, -1, quoted);
-    return -1;
-  }
-  char buffer[1000];
-  while (fgets(buffer, 998, pipe) != nullptr) {
-    fputs(buffer, stdout);
-  }
-  if (pclose(pipe) != 0) {
-    snprintf(quoted, sizeof quoted, "pclose \"%s\"", commandLine);
-    PutMessage(cb, 1002, -1, quoted);
-    return -1;
-  }
-  return 0;
-}
-
-int32_t CallReformatUtility(const ExitControlBlock *cb, const char *traceFilePath, char mode,
-                            const char *inputName, const char *outputName) {
-  char directory[512];
-  snprintf(directory, sizeof directory, "%s", traceFilePath);
-  StringTrimFileNameAndExtractDir(directory);
-  const char *suffix;
-  if (mode == '3') {
-    suffix = "32";
-  } else if (mode == '6') {
-    suffix = "64";
-  } else {
-    char modeText[2] = {mode, '\0'};
-    PutMessage(cb, 2, 0, "Invalid addressing mode : ", modeText);
-    return -1;
-  }
-  char command[kLineSize];
-  snprintf(command, sizeof command, "%s%s%s %s -o %s -q", directory, "wzreform", suffix, inputName,
-           outputName);
-  return PerformCommand(cb, command);
 }

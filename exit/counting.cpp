@@ -6,6 +6,7 @@
 #include <string.h>
 
 #include "exit/control_block.h"
+#include "exit/exit_files.h"
 #include "exit/name_match.h"
 #include "exit/timing.h"
 #include "text/constant_table.h"
@@ -107,12 +108,17 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
     length += snprintf(line + length, sizeof line - (size_t)length, "  Object : %s",
                        cb->CurrentQueueName);
   }
-  FILE *file = fopen(path, "a");
-  if (file == nullptr) {
+  if (length < 0) {
     return;
   }
-  fprintf(file, "%s\n", line);
-  fclose(file);
+  if ((size_t)length >= sizeof line - 1) {
+    length = (int)sizeof line - 2;
+  }
+  line[length++] = '\n';
+  line[length] = '\0';
+  // Appended whole in one write; a link or a non-file at the name loses
+  // the line rather than writing through it.
+  AppendToExitFile(path, line, (size_t)length);
 }
 
 // The call in a record and in its period's totals: the call count and the

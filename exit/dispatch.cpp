@@ -130,7 +130,9 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
   int32_t interval = cb->Settings.CheckUpdateRequestInterval;
   if (interval > 0) {
     time_t now = time(nullptr);
-    if (cb->LastUpdateCheck + interval <= now) {
+    // Compared as a difference in 64 bits: any interval the file gives is
+    // safe to add.
+    if ((int64_t)now - (int64_t)cb->LastUpdateCheck >= (int64_t)interval) {
       SeekUpdateRequestFiles(axp->ExitData, cb);
       cb->LastUpdateCheck = now;
     }

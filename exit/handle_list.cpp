@@ -29,7 +29,7 @@ int32_t GrowHandleList(ExitControlBlock *cb) {
   QueueHandleEntry *entries =
       (QueueHandleEntry *)calloc((size_t)capacity, sizeof(QueueHandleEntry));
   if (entries == nullptr) {
-    PutMessage(cb, 1010, -1);
+    PutMessage<1010>(cb, -1);
     return -1;
   }
   if (cb->HandleList != nullptr) {
@@ -71,7 +71,7 @@ void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
     cb->ResolvedQueueName[0] = '\0';
   }
   if (cb->HandleCount < 1) {
-    PutMessage(cb, 1, 0, "Invalid handle count in queueHandleListSetHandleToLastEntry.");
+    PutMessage<1>(cb, 0, "Invalid handle count in queueHandleListSetHandleToLastEntry.");
     return;
   }
   int32_t last = cb->HandleCount - 1;
@@ -107,7 +107,7 @@ void queueHandleListDeleteLastEntry(ExitControlBlock *cb) {
     cb->HandleCount--;
     memset(&cb->HandleList[cb->HandleCount], 0, sizeof(QueueHandleEntry));
   } else {
-    PutMessage(cb, 1, 0, "Invalid handle count in queueHandleListDeleteLastEntry.");
+    PutMessage<1>(cb, 0, "Invalid handle count in queueHandleListDeleteLastEntry.");
   }
 }
 

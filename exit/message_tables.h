@@ -3,15 +3,7 @@
 
 #include <stdint.h>
 
-#define MESSAGE_TABLE_END 9999
-
-// One catalogue row: number, class (severity letter I/W/E and Y/N) and the
-// template with its placeholders.
-struct MessageCatalogueEntry {
-  uint32_t Number;
-  const char *Class;
-  const char *Template;
-};
+#include "exit/message_catalogue.h"
 
 // One error-name row: "ENAME - description" and the error number.
 struct MessageTableEntry {
@@ -19,7 +11,6 @@ struct MessageTableEntry {
   int32_t Number;
 };
 
-extern const MessageCatalogueEntry MessageTableMonitorTool[];
 extern const MessageTableEntry MessageTable[];
 
 // The catalogue template of a message, or null when the number is unknown.

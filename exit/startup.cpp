@@ -87,7 +87,7 @@ int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const Parameter
   char directory[34];
   int32_t length = StringCopyFixedField(directory, axp->ExitData, 32);
   if (length == 0) {
-    PutMessage(cb, 2101, 0);
+    PutMessage<2101>(cb, 0);
     return -1;
   }
   if (directory[length - 1] != '/') {
@@ -129,8 +129,8 @@ void RegisterApiEntry(ExitControlBlock *cb, PZKAXP axp, ZKLONG exitReason, ZKLON
                       PZKFUNC entryPoint, PZKXEPO exitOpts, PZKLONG pCompCode, PZKLONG pReason) {
   ZKXEP(axp->Hconfig, exitReason, function, entryPoint, exitOpts, pCompCode, pReason);
   if (*pReason != 0) {
-    PutMessage(cb, 1021, 0, "ZKXEP", (int32_t)*pCompCode, (int32_t)*pReason,
-               SearchConstantInt(*pReason, Constant_Zkrc), "", "", "");
+    PutMessage<1021>(cb, 0, "ZKXEP", (int32_t)*pCompCode, (int32_t)*pReason,
+                     SearchConstantInt(*pReason, Constant_Zkrc), "", "", "");
     axp->ExitResponse = ZKXCC_FAILED;
   }
 }
@@ -149,16 +149,22 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
   ParameterSettings settings;
   int32_t parameterErrors = ReadParameterFile(nullptr, axp->ExitData, &settings);
 
-  int32_t size = (int32_t)CONTROL_BLOCK_FIXED_SIZE + settings.WriteBufferSize;
-  ExitControlBlock *cb = (ExitControlBlock *)calloc(1, (size_t)size);
+  // A buffer size from the file can be anything up to INT32_MAX: a block
+  // size that does not fit in 32 bits is memory that cannot be had.
+  int64_t wanted = (int64_t)CONTROL_BLOCK_FIXED_SIZE + (int64_t)settings.WriteBufferSize;
+  int32_t size = wanted <= (int64_t)INT32_MAX ? (int32_t)wanted : 0;
+  ExitControlBlock *cb = size > 0 ? (ExitControlBlock *)calloc(1, (size_t)size) : nullptr;
   if (cb == nullptr) {
-    PutMessage(nullptr, 1010, -1);
+    if (size == 0) {
+      errno = ENOMEM;
+    }
+    PutMessage<1010>(nullptr, -1);
     return;
   }
   QueueHandleEntry *handles =
       (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
   if (handles == nullptr) {
-    PutMessage(nullptr, 1010, -1);
+    PutMessage<1010>(nullptr, -1);
     free(cb);
     return;
   }

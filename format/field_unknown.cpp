@@ -29,7 +29,7 @@ int32_t EndUnknownBanner(TraceLine *line) {
 } // namespace
 
 int32_t ShowUnknownAttribute(ExitControlBlock *cb, const char *name, uint32_t value) {
-  PutMessage(cb, 3101, 0, name, value);
+  PutMessage<3101>(cb, 0, name, value);
   TraceLine line;
   StartUnknownBanner(&line, cb, name);
   TraceLineAppend(&line, " 0x", 3);
@@ -42,7 +42,7 @@ int32_t ShowUnknownAttribute(ExitControlBlock *cb, const char *name, uint32_t va
 int32_t ShowUnknownStructureVersion(ExitControlBlock *cb, const char *structureName,
                                     int32_t version) {
   cb->UnknownAttributeSeen = 1;
-  PutMessage(cb, 3100, 0, structureName, (uint32_t)version);
+  PutMessage<3100>(cb, 0, structureName, (uint32_t)version);
   TraceLine line;
   StartUnknownBanner(&line, cb, structureName);
   TraceLineAppend(&line, " version ", 9);

@@ -39,7 +39,8 @@ void ShowPerformanceSummary(ExitControlBlock *cb) {
     time_t now = time(nullptr);
     if (cb->LastIntervalTime == 0) {
       cb->LastIntervalTime = now;
-    } else if (cb->LastIntervalTime + settings.ShowPerformanceIntervalTime <= now) {
+    } else if ((int64_t)now - (int64_t)cb->LastIntervalTime >=
+               (int64_t)settings.ShowPerformanceIntervalTime) {
       // One summary covers both intervals when they end at the same call.
       if (written == 0) {
         PutIntervalSummary(cb);

@@ -18,6 +18,8 @@
 #include <unistd.h>
 
 #include "exit/alerts.h"
+#include "exit/commands.h"
+#include "exit/exit_files.h"
 #include "exit/control_block.h"
 #include "exit/process_id.h"
 #include "output/profile.h"
@@ -42,36 +44,26 @@ void WriteLines(ExitControlBlock *cb, const char *const *lines, size_t count) {
 }
 
 // Opens cb->TraceFilePath: a stream in append mode, or a descriptor on the
-// existing file, else a new file created exclusively with mode 0660.
+// existing file, else a new file created exclusively with mode 0660. A
+// symbolic link or anything but a regular file at the name is a file that
+// cannot be opened.
 int32_t OpenTraceFile(ExitControlBlock *cb) {
   if (cb->Settings.WriteStream == 1) {
-    // "e": the descriptor is not inherited by programs the process runs.
-    FILE *stream = fopen(cb->TraceFilePath, "ae");
+    FILE *stream = OpenExitStream(cb->TraceFilePath, EXIT_FILE_APPEND);
     if (stream == nullptr) {
-      PutMessage(cb, 1001, -1, cb->TraceFilePath, "fopen");
+      PutMessage<1001>(cb, -1, cb->TraceFilePath, "fopen");
       return -1;
     }
     cb->FileStream = stream;
     return 0;
   }
-  int descriptor = open(cb->TraceFilePath, O_RDWR | O_APPEND | O_CLOEXEC);
-  if (descriptor < 0) {
-    descriptor = open(cb->TraceFilePath, O_RDWR | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0660);
+  int descriptor = OpenExitFile(cb->TraceFilePath, EXIT_FILE_READ_WRITE);
+  if (descriptor < 0 && errno == ENOENT) {
+    descriptor = OpenExitFile(cb->TraceFilePath, EXIT_FILE_CREATE_NEW);
   }
   if (descriptor < 0) {
-    PutMessage(cb, 1001, -1, cb->TraceFilePath, "open");
+    PutMessage<1001>(cb, -1, cb->TraceFilePath, "open");
     return -1;
-  }
-  if (descriptor == 0) {
-    // 0 stands for "no file" in the block; an application that closed its
-    // standard input would hand us descriptor 0, so move it up.
-    int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, 3);
-    close(descriptor);
-    if (moved < 0) {
-      PutMessage(cb, 1001, -1, cb->TraceFilePath, "open");
-      return -1;
-    }
-    descriptor = moved;
   }
   cb->FileDescriptor = descriptor;
   return 0;
@@ -178,23 +170,19 @@ int32_t CompressClosedFile(ExitControlBlock *cb, const char *closedPath) {
   char compressPath[kPathSize];
   snprintf(compressPath, sizeof compressPath, "%s.txt", closedPath);
   if (rename(closedPath, compressPath) != 0) {
-    PutMessage(cb, 1006, -1, closedPath, compressPath);
+    PutMessage<1006>(cb, -1, closedPath, (const char *)compressPath);
     return -1;
   }
   char command[kCommandSize];
   if (BuildCompressCommand(cb->Settings.CompressCommand, compressPath, command, sizeof command) !=
       0) {
-    // A cut command line could lose its " &" or name a wrong file: not run.
-    PutMessage(cb, 1002, E2BIG, command);
+    // A cut command line could name a wrong file: not run.
+    PutMessage<1002>(cb, E2BIG, (const char *)command);
     return 0;
   }
-  FILE *pipe = popen(command, "w");
-  if (pipe == nullptr) {
-    PutMessage(cb, 1002, -1, command);
-    return 0;
+  if (StartBackgroundCommand(command) != 0) {
+    PutMessage<1002>(cb, -1, (const char *)command);
   }
-  // The shell returns as soon as the command is in the background.
-  pclose(pipe);
   return 0;
 }
 
@@ -321,28 +309,26 @@ int32_t BuildCompressCommand(const char *command, const char *path, char *out, i
   if (size <= 0) {
     return -1;
   }
-  int32_t used = 0;
-  size_t pathLength = strlen(path);
-  for (const char *c = command;; c++) {
-    const char *piece = c;
-    size_t pieceLength = 1;
-    if (*c == '\0') {
-      piece = " &";
-      pieceLength = 2;
-    } else if (*c == '$') {
-      piece = path;
-      pieceLength = pathLength;
+  out[0] = '\0';
+  // The path stands in the line as one quoted word, whatever it holds: the
+  // application's name is part of it. The operator's own text keeps its
+  // shell syntax.
+  char literal[2] = {0, 0};
+  for (const char *c = command; *c != '\0'; c++) {
+    int32_t fits;
+    if (*c == '$') {
+      fits = AppendShellWord(out, (size_t)size, path);
+    } else {
+      literal[0] = *c;
+      fits = strlen(out) + 1 < (size_t)size ? (strcat(out, literal), 0) : -1;
     }
-    if ((size_t)used + pieceLength >= (size_t)size) {
-      out[used] = '\0';
+    if (fits != 0) {
       return -1;
     }
-    memcpy(out + used, piece, pieceLength);
-    used += (int32_t)pieceLength;
-    if (*c == '\0') {
-      break;
-    }
   }
-  out[used] = '\0';
+  if (strlen(out) + 2 >= (size_t)size) {
+    return -1;
+  }
+  strcat(out, " &");
   return 0;
 }

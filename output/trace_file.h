@@ -45,6 +45,6 @@ int32_t TraceFileIsOpen(const ExitControlBlock *cb);
 void NoteProcessOrThreadChange(ExitControlBlock *cb);
 
 // Builds the compress command line: `command` with every "$" replaced by
-// `path`, then " &" so that it runs in the background. 0, or -1 when the
-// line does not fit in `size` bytes (`out` then holds as much as fits).
+// `path` as one single-quoted shell word, then " &". 0, or -1 when the line
+// does not fit in `size` bytes (`out` then holds as much as fits).
 int32_t BuildCompressCommand(const char *command, const char *path, char *out, int32_t size);

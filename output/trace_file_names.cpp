@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 
 #include "exit/alerts.h"
+#include "exit/exit_files.h"
 #include "exit/control_block.h"
 
 namespace {
@@ -61,7 +62,7 @@ void TranslateZkObjectNameToFileName(char *text, int32_t length) {
 int32_t CheckFileExistence(ExitControlBlock *cb, const char *name, int64_t *size) {
   DIR *directory = opendir(cb->TraceDirectory);
   if (directory == nullptr) {
-    PutMessage(cb, 1001, -1, cb->TraceDirectory, "opendir");
+    PutMessage<1001>(cb, -1, cb->TraceDirectory, "opendir");
     return -1;
   }
   size_t nameLength = strlen(name);
@@ -71,7 +72,7 @@ int32_t CheckFileExistence(ExitControlBlock *cb, const char *name, int64_t *size
       char path[kPathSize];
       snprintf(path, sizeof path, "%s%s", cb->TraceDirectory, name);
       struct stat status;
-      *size = stat(path, &status) == 0 ? (int64_t)status.st_size : 0;
+      *size = lstat(path, &status) == 0 ? (int64_t)status.st_size : 0;
       closedir(directory);
       return 2;
     }
@@ -154,8 +155,19 @@ int32_t GenerateNewFileName(ExitControlBlock *cb, int64_t *reopenedSize) {
     // A closed file of exactly this name: take it up again, appending.
     char closedPath[kPathSize];
     snprintf(closedPath, sizeof closedPath, "%s%s", cb->TraceDirectory, closedName);
+    // Only a regular file is taken up again: a link planted at the name
+    // would lead the trace into someone else's file.
+    struct stat status;
+    int present = lstat(closedPath, &status);
+    if (present != 0 || !S_ISREG(status.st_mode)) {
+      if (present == 0) {
+        errno = S_ISLNK(status.st_mode) ? ELOOP : EXIT_FILE_NOT_REGULAR;
+      }
+      PutMessage<1001>(cb, -1, closedPath, cb->Settings.WriteStream == 1 ? "fopen" : "open");
+      return -1;
+    }
     if (rename(closedPath, cb->TraceFilePath) != 0) {
-      PutMessage(cb, 1006, -1, closedPath, cb->TraceFilePath);
+      PutMessage<1006>(cb, -1, closedPath, cb->TraceFilePath);
       return -1;
     }
     cb->CurrentFileSize = size;

@@ -23,7 +23,7 @@ int32_t WriteDirect(ExitControlBlock *cb, const char *text, size_t length) {
   if (written < 0 || (size_t)written < length) {
     int error = written < 0 ? errno : 0;
     cb->FatalError = 1;
-    PutMessage(cb, 1001, error, cb->TraceFilePath, "write");
+    PutMessage<1001>(cb, error, cb->TraceFilePath, "write");
     return -1;
   }
   return 0;
@@ -46,7 +46,8 @@ int32_t FlushBeforeAppending(ExitControlBlock *cb, size_t length) {
   }
   if (cb->Settings.WriteInterval != 0) {
     time_t now = time(nullptr);
-    if (cb->LastFlushTime + cb->Settings.WriteInterval < now) {
+    // A difference in 64 bits: any interval from the file is safe to add.
+    if ((int64_t)now - (int64_t)cb->LastFlushTime > (int64_t)cb->Settings.WriteInterval) {
       int32_t result = FlushTraceDataInBuffer(cb);
       cb->LastFlushTime = now;
       return result;
@@ -72,7 +73,7 @@ int32_t WriteText(ExitControlBlock *cb, const char *text, size_t length) {
   if (cb->FileStream != nullptr) {
     if (fputs(text, cb->FileStream) < 0) {
       cb->FatalError = 1;
-      PutMessage(cb, 1001, -1, cb->TraceFilePath, "fputs");
+      PutMessage<1001>(cb, -1, cb->TraceFilePath, "fputs");
       return -1;
     }
   } else if (cb->FileDescriptor <= 0) {
@@ -126,7 +127,7 @@ int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {
   // Only a failed call counts: a short write passes, as it always has.
   if (written < 0) {
     cb->FatalError = 1;
-    PutMessage(cb, 1001, -1, cb->TraceFilePath, "write");
+    PutMessage<1001>(cb, -1, cb->TraceFilePath, "write");
     return -1;
   }
   return 0;

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "exit/alerts.h"
+#include "exit/commands.h"
 #include "exit/control_block.h"
 #include "exit/message_tables.h"
 #include "tests/unit/test_support.h"
@@ -35,7 +36,7 @@ struct AlertsTest : ::testing::Test {
 } // namespace
 
 TEST_F(AlertsTest, TemplateWithoutPlaceholdersGetsPrefixAndTime) {
-  PutMessage(cb, 2101, 0);
+  PutMessage<2101>(cb, 0);
   std::regex expected(std::string("^") + kStamp +
                       R"(  \[payroll\] \(77\.88\) Msg2101: Path name must be specified as Data )"
                       R"(attribute of ApiExitLocal stanza in qm\.ini file\.\n$)");
@@ -43,13 +44,13 @@ TEST_F(AlertsTest, TemplateWithoutPlaceholdersGetsPrefixAndTime) {
 }
 
 TEST_F(AlertsTest, UnknownNumberSaysSo) {
-  PutMessage(cb, 4711, 0);
+  PutMessageArguments(cb, 4711, 0, nullptr, 0);
   EXPECT_NE(ErrorFile().find(") Msg4711: (Unknown message id)\n"), std::string::npos)
       << ErrorFile();
 }
 
 TEST_F(AlertsTest, ErrorNumberZeroIsNoError) {
-  PutMessage(cb, 1010, 0);
+  PutMessage<1010>(cb, 0);
   EXPECT_NE(ErrorFile().find("Msg1010: No more memory is available.  NO_ERROR (0)\n"),
             std::string::npos)
       << ErrorFile();
@@ -57,7 +58,7 @@ TEST_F(AlertsTest, ErrorNumberZeroIsNoError) {
 
 TEST_F(AlertsTest, MinusOneTakesErrno) {
   errno = ENOENT;
-  PutMessage(cb, 1002, -1, "popen \"x\"");
+  PutMessage<1002>(cb, -1, "popen \"x\"");
   EXPECT_NE(
       ErrorFile().find("Msg1002: System call error.  Function : popen \"x\"   Result : ENOENT "
                        "- No such file or directory (2).\n"),
@@ -67,8 +68,8 @@ TEST_F(AlertsTest, MinusOneTakesErrno) {
 }
 
 TEST_F(AlertsTest, PlaceholdersTakeArgumentsInOrderByKind) {
-  PutMessage(cb, 1021, 0, "ZKXEP", (int32_t)2, (int32_t)2298, "ZKRC_FUNCTION_NOT_SUPPORTED", "a",
-             "b", "c");
+  PutMessage<1021>(cb, 0, "ZKXEP", (int32_t)2, (int32_t)2298, "ZKRC_FUNCTION_NOT_SUPPORTED", "a",
+                   "b", "c");
   EXPECT_NE(ErrorFile().find("Msg1021: ZK API error. Function:ZKXEP CompCode:2 Reason:2298 "
                              "(ZKRC_FUNCTION_NOT_SUPPORTED)  Parms: a b c\n"),
             std::string::npos)
@@ -76,8 +77,8 @@ TEST_F(AlertsTest, PlaceholdersTakeArgumentsInOrderByKind) {
 }
 
 TEST_F(AlertsTest, UnsignedAndHexPlaceholders) {
-  PutMessage(cb, 3100, 0, "ZKMD", (uint32_t)3000000000u);
-  PutMessage(cb, 3101, 0, "ZKMD - ZKRO_...", (uint32_t)0x1F);
+  PutMessage<3100>(cb, 0, "ZKMD", (uint32_t)3000000000u);
+  PutMessage<3101>(cb, 0, "ZKMD - ZKRO_...", (uint32_t)0x1F);
   std::string text = ErrorFile();
   EXPECT_NE(text.find("Unknown API structure : ZKMD version 3000000000\n"), std::string::npos);
   EXPECT_NE(text.find("Unknown API attribute : ZKMD - ZKRO_... value 0x0000001F\n"),
@@ -85,7 +86,7 @@ TEST_F(AlertsTest, UnsignedAndHexPlaceholders) {
 }
 
 TEST_F(AlertsTest, FileErrorHasMultiLineTemplate) {
-  PutMessage(cb, 1001, EACCES, "/x/wz.t", "open");
+  PutMessage<1001>(cb, EACCES, "/x/wz.t", "open");
   EXPECT_NE(ErrorFile().find("File I/O error. \n  File      : /x/wz.t\n  Operation : open\n"
                              "  Result    : EACCES - Permission denied (13).\n"),
             std::string::npos)
@@ -93,8 +94,8 @@ TEST_F(AlertsTest, FileErrorHasMultiLineTemplate) {
 }
 
 TEST_F(AlertsTest, LinesAreAppended) {
-  PutMessage(cb, 2009, 0, (int32_t)3, "Foo=bar");
-  PutMessage(cb, 2009, 0, (int32_t)5, "Baz");
+  PutMessage<2009>(cb, 0, (int32_t)3, "Foo=bar");
+  PutMessage<2009>(cb, 0, (int32_t)5, "Baz");
   std::string text = ErrorFile();
   EXPECT_NE(text.find("Msg2009:   Line : 3   Parameter : Foo=bar\n"), std::string::npos);
   EXPECT_NE(text.find("Msg2009:   Line : 5   Parameter : Baz\n"), std::string::npos);
@@ -103,7 +104,7 @@ TEST_F(AlertsTest, LinesAreAppended) {
 
 TEST_F(AlertsTest, ChannelBuildUsesItsOwnFileName) {
   cb->ExitType = EXIT_TYPE_CHANNEL;
-  PutMessage(cb, 1, 0, "hello");
+  PutMessage<1>(cb, 0, "hello");
   EXPECT_NE(dir.Read("wz_chlexit_error_77_88.txt").find("Msg1: hello\n"), std::string::npos);
 }
 
@@ -111,7 +112,7 @@ TEST_F(AlertsTest, WithoutControlBlockWritesToCurrentDirectory) {
   char previous[4096];
   ASSERT_NE(getcwd(previous, sizeof previous), nullptr);
   ASSERT_EQ(chdir(dir.Path().c_str()), 0);
-  PutMessage(nullptr, 1, 0, "no block");
+  PutMessage<1>(nullptr, 0, "no block");
   ASSERT_EQ(chdir(previous), 0);
   std::string name = "wz_apiexit_error_" + std::to_string(getpid()) + "_" +
                      std::to_string((unsigned)pthread_self()) + ".txt";
@@ -124,7 +125,7 @@ TEST_F(AlertsTest, UnwritableDirectoryFallsBackToCurrentDirectory) {
   char previous[4096];
   ASSERT_NE(getcwd(previous, sizeof previous), nullptr);
   ASSERT_EQ(chdir(dir.Path().c_str()), 0);
-  PutMessage(cb, 1, 0, "fallback");
+  PutMessage<1>(cb, 0, "fallback");
   ASSERT_EQ(chdir(previous), 0);
   EXPECT_NE(ErrorFile().find("[payroll] (77.88) Msg1: fallback\n"), std::string::npos);
 }

@@ -157,6 +157,20 @@ TEST_F(DispatchTest, BeforeCallsCheckForUpdatesAtTheInterval) {
   EXPECT_EQ(cb->LastUpdateCheck, 5); // after-calls never look
 }
 
+// An interval near the largest the file can give must not wrap around and
+// make every call look for requests.
+TEST_F(DispatchTest, HugeUpdateIntervalNeverComesDue) {
+  const int32_t intervals[] = {352000000, 2147483000, INT32_MAX};
+  for (int32_t interval : intervals) {
+    cb->Settings.CheckUpdateRequestInterval = interval;
+    cb->LastUpdateCheck = time(nullptr);
+    time_t checked = cb->LastUpdateCheck - 1;
+    cb->LastUpdateCheck = checked;
+    Call(ZKXF_CMIT, ZKXR_BEFORE);
+    EXPECT_EQ(cb->LastUpdateCheck, checked) << interval;
+  }
+}
+
 TEST_F(DispatchTest, ExecStatusAndFatalErrorDecide) {
   EXPECT_EQ(Call(ZKXF_CMIT, ZKXR_BEFORE), RC_OK);
   EXPECT_EQ(cb->CurrentFunction, ZKXF_CMIT);

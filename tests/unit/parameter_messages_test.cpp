@@ -63,6 +63,33 @@ TEST_F(ParameterMessages, GoodFileWritesNothing) {
   EXPECT_TRUE(Messages().empty());
 }
 
+// A file of many bad lines reports the first hundred and counts the rest
+// in one line, so that a connection never floods the error file.
+TEST_F(ParameterMessages, OnlyTheFirstHundredBadLinesAreReported) {
+  std::string content = "WriteCache=no\n";
+  for (int i = 0; i < 1000; i++) {
+    content += "bad line " + std::to_string(i) + "\n";
+  }
+  EXPECT_EQ(Read(content, cb_), -1);
+  EXPECT_EQ(settings_.WriteCache, 0);
+  std::vector<std::string> lines = Messages();
+  ASSERT_EQ(lines.size(), 102u);
+  EXPECT_EQ(lines[0], Msg2008(Path()));
+  EXPECT_EQ(lines[1], Msg2009(2, "bad line 0"));
+  EXPECT_EQ(lines[100], Msg2009(101, "bad line 99"));
+  EXPECT_EQ(lines[101],
+            "Msg2011:   900 more invalid line(s) in " + Path() + " file are not shown.");
+}
+
+TEST_F(ParameterMessages, ExactlyAHundredBadLinesNeedNoCount) {
+  std::string content;
+  for (int i = 0; i < 100; i++) {
+    content += "bad\n";
+  }
+  EXPECT_EQ(Read(content, cb_), -1);
+  EXPECT_EQ(Messages().size(), 101u);
+}
+
 TEST_F(ParameterMessages, TwoBadLinesGiveOne2008AndTwo2009) {
   EXPECT_EQ(Read("# first line\n"
                  "WriteBufferSize=4999   \t\n"

@@ -266,24 +266,42 @@ TEST_F(TraceFileClose, TwoDollarsGiveThePathTwice) {
   EXPECT_NE(ReadWholeFile(copy).find("copied\n"), std::string::npos);
 }
 
-TEST(TraceFileCompressCommand, DollarsAreReplacedAndAmpersandAppended) {
+TEST(TraceFileCompressCommand, DollarsAreReplacedByTheQuotedPathAndAmpersandAppended) {
   char out[200];
   ASSERT_EQ(BuildCompressCommand("gzip -f $", "/d/f.txt.txt", out, sizeof out), 0);
-  EXPECT_STREQ(out, "gzip -f /d/f.txt.txt &");
+  EXPECT_STREQ(out, "gzip -f '/d/f.txt.txt' &");
   ASSERT_EQ(BuildCompressCommand("x $ y $", "/p", out, sizeof out), 0);
-  EXPECT_STREQ(out, "x /p y /p &");
+  EXPECT_STREQ(out, "x '/p' y '/p' &");
   ASSERT_EQ(BuildCompressCommand("nodollar", "/p", out, sizeof out), 0);
   EXPECT_STREQ(out, "nodollar &");
   ASSERT_EQ(BuildCompressCommand("$$", "ab", out, sizeof out), 0);
-  EXPECT_STREQ(out, "abab &");
+  EXPECT_STREQ(out, "'ab''ab' &");
+}
+
+TEST(TraceFileCompressCommand, PathIsOneShellWordWhateverItHolds) {
+  char out[300];
+  ASSERT_EQ(
+      BuildCompressCommand("gzip $", "/d/wz_qm_x;id>INJECTED;#_1_2_001.txt.txt", out, sizeof out),
+      0);
+  EXPECT_STREQ(out, "gzip '/d/wz_qm_x;id>INJECTED;#_1_2_001.txt.txt' &");
+  ASSERT_EQ(BuildCompressCommand("gzip $", "/d/$(id>P)`id`", out, sizeof out), 0);
+  EXPECT_STREQ(out, "gzip '/d/$(id>P)`id`' &");
+  ASSERT_EQ(BuildCompressCommand("gzip $", "/d/a'b\"c", out, sizeof out), 0);
+  EXPECT_STREQ(out, "gzip '/d/a'\\''b\"c' &");
+  // The operator's own text keeps its shell syntax.
+  ASSERT_EQ(BuildCompressCommand("nice gzip $ && echo done", "/p", out, sizeof out), 0);
+  EXPECT_STREQ(out, "nice gzip '/p' && echo done &");
 }
 
 TEST(TraceFileCompressCommand, CommandThatDoesNotFitIsRefused) {
-  char out[12];
-  EXPECT_EQ(BuildCompressCommand("gzip $", "/a/b", out, sizeof out), 0); // 11 + NUL
-  EXPECT_STREQ(out, "gzip /a/b &");
+  char out[14];
+  EXPECT_EQ(BuildCompressCommand("gzip $", "/a/b", out, sizeof out), 0); // 13 + NUL
+  EXPECT_STREQ(out, "gzip '/a/b' &");
   EXPECT_EQ(BuildCompressCommand("gzip $", "/a/bc", out, sizeof out), -1);
   EXPECT_LT(strlen(out), sizeof out);
+  EXPECT_EQ(BuildCompressCommand("gzip $", "'", out, sizeof out), 0);
+  EXPECT_STREQ(out, "gzip ''\\''' &");
+  EXPECT_EQ(BuildCompressCommand("gzip $", "''", out, sizeof out), -1);
   EXPECT_EQ(BuildCompressCommand("gzip", "/p", out, sizeof out), 0);
   EXPECT_EQ(BuildCompressCommand("", "/p", out, 2), -1); // " &" needs three bytes
   EXPECT_EQ(BuildCompressCommand("", "/p", out, 3), 0);

@@ -5,6 +5,10 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <errno.h>
+
+#include "exit/exit_files.h"
+
 #include "tests/unit/trace_file_test_support.h"
 
 namespace {
@@ -264,20 +268,24 @@ TEST_F(TraceFileSwitch, UnwritableDirectoryGivesOpenMessage) {
   EXPECT_TRUE(TraceFileNames(dir).empty());
 }
 
-// A directory in place of the closed file one: it is "reopened" by name,
-// and the open of a directory fails.
+// A directory in place of the closed file one is not taken up again: it is
+// a file that cannot be opened, and it stays where it is.
 TEST_F(TraceFileSwitch, FailedOpenGivesOpenMessageAndFatalError) {
   ASSERT_EQ(mkdir(Path(TEST_STEM "001.txt").c_str(), 0700), 0);
   EXPECT_EQ(SetDataToWriteBuffer(cb, "x\n"), -1);
   EXPECT_EQ(cb->FatalError, 1);
   EXPECT_EQ(TraceFileIsOpen(cb), 0);
   std::string messages = ErrorFileText(dir);
-  EXPECT_NE(messages.find("File      : " + Path(TEST_STEM "001.t") + "\n  Operation : open\n"),
+  EXPECT_NE(messages.find("File      : " + Path(TEST_STEM "001.txt") +
+                          "\n  Operation : open\n  Result    : EINVAL - Invalid argument (22)."),
             std::string::npos)
       << messages;
   EXPECT_EQ(WriteTraceData(cb, "y\n"), -1);
   EXPECT_EQ(SetDataToWriteBuffer(cb, "y\n"), -1);
-  rmdir(Path(TEST_STEM "001.t").c_str());
+  struct stat status;
+  EXPECT_EQ(lstat(Path(TEST_STEM "001.txt").c_str(), &status), 0);
+  EXPECT_TRUE(S_ISDIR(status.st_mode));
+  rmdir(Path(TEST_STEM "001.txt").c_str());
 }
 
 TEST_F(TraceFileSwitch, FailedStreamOpenGivesFopenMessage) {
@@ -286,7 +294,35 @@ TEST_F(TraceFileSwitch, FailedStreamOpenGivesFopenMessage) {
   EXPECT_EQ(SetDataToWriteBuffer(cb, "x\n"), -1);
   EXPECT_EQ(cb->FatalError, 1);
   EXPECT_NE(ErrorFileText(dir).find("Operation : fopen\n"), std::string::npos);
-  rmdir(Path(TEST_STEM "001.t").c_str());
+  rmdir(Path(TEST_STEM "001.txt").c_str());
+}
+
+// A link planted at the closed file's name is never followed: its target
+// keeps its bytes, the link stays, and tracing stops with the open message.
+TEST_F(TraceFileSwitch, LinkAtTheClosedNameIsNotFollowed) {
+  std::string target = Path("victim");
+  dir.Write("victim", "precious\n");
+  ASSERT_EQ(symlink(target.c_str(), Path(TEST_STEM "001.txt").c_str()), 0);
+  EXPECT_EQ(SetDataToWriteBuffer(cb, "x\n"), -1);
+  EXPECT_EQ(cb->FatalError, 1);
+  EXPECT_EQ(ReadWholeFile(target), "precious\n");
+  EXPECT_NE(ErrorFileText(dir).find("Result    : ELOOP - Too many levels of symbolic links (40)."),
+            std::string::npos)
+      << ErrorFileText(dir);
+  unlink(Path(TEST_STEM "001.txt").c_str());
+}
+
+// A link planted at the name of a new file: the open refuses it.
+TEST_F(TraceFileSwitch, LinkRacedInAtTheNewNameIsNotFollowed) {
+  std::string target = Path("victim");
+  dir.Write("victim", "precious\n");
+  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", Path("planted.t").c_str());
+  ASSERT_EQ(symlink(target.c_str(), cb->TraceFilePath), 0);
+  int fd = OpenExitFile(cb->TraceFilePath, EXIT_FILE_CREATE_NEW);
+  EXPECT_EQ(fd, -1);
+  EXPECT_EQ(OpenExitFile(cb->TraceFilePath, EXIT_FILE_READ_WRITE), -1);
+  EXPECT_EQ(errno, ELOOP);
+  EXPECT_EQ(ReadWholeFile(target), "precious\n");
 }
 
 TEST_F(TraceFileSwitch, NullTextIsTakenAsEmpty) {
