@@ -2,8 +2,6 @@
 // control block, register the exit functions and open the first trace file.
 #include "exit/startup.h"
 
-#include "handlers/handlers.h"
-
 #include <errno.h>
 #include <stdio.h>
 #include <pthread.h>
@@ -14,7 +12,6 @@
 
 #include "config/update_requests.h"
 #include "exit/alerts.h"
-#include "exit/export.h"
 #include "exit/process_filter.h"
 #include "exit/timing.h"
 #include "output/record_writers.h"
@@ -125,18 +122,8 @@ int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const Parameter
   return 0;
 }
 
-void RegisterApiEntry(ExitControlBlock *cb, PZKAXP axp, ZKLONG exitReason, ZKLONG function,
-                      PZKFUNC entryPoint, PZKXEPO exitOpts, PZKLONG pCompCode, PZKLONG pReason) {
-  ZKXEP(axp->Hconfig, exitReason, function, entryPoint, exitOpts, pCompCode, pReason);
-  if (*pReason != 0) {
-    PutMessage<1021>(cb, 0, "ZKXEP", (int32_t)*pCompCode, (int32_t)*pReason,
-                     SearchConstantInt(*pReason, Constant_Zkrc), "", "", "");
-    axp->ExitResponse = ZKXCC_FAILED;
-  }
-}
-
 void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReason, int32_t level,
-                       const char *entryName, uint8_t debug) {
+                       const char *entryName, uint8_t debug, RegisterAllFunction *registerAll) {
   char processName[80];
   DeriveProcessName(axc->ApplName, processName);
   if (IsShutdownCommand(processName)) {
@@ -197,7 +184,7 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
   // ZKXEP answers into codes of our own: the connection's are not touched.
   ZKLONG registerCompCode = ZKCC_OK;
   ZKLONG registerReason = 0;
-  if (RegisterAllApiEntries(cb, axp, &registerCompCode, &registerReason) != 0) {
+  if (registerAll(cb, axp, &registerCompCode, &registerReason) != 0) {
     return;
   }
   SetResponse(axp, ZKXCC_OK, ZKXR2_DEFAULT_CONTINUATION);
@@ -225,20 +212,7 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
   }
 }
 
-WZ_EXPORT void wzEntry(PZKAXP pExitParms, PZKAXC pExitContext, PZKLONG pCompCode, PZKLONG pReason) {
-  ApiTraceExitEntry(pExitParms, pExitContext, pCompCode, pReason, API_LEVEL_700, "wzEntry", 0);
-}
-
-WZ_EXPORT void wzEntryDebug(PZKAXP pExitParms, PZKAXC pExitContext, PZKLONG pCompCode,
-                            PZKLONG pReason) {
-  ApiTraceExitEntry(pExitParms, pExitContext, pCompCode, pReason, API_LEVEL_700, "wzEntryDebug", 1);
-}
-
-WZ_EXPORT void ZKStart(void) {}
-
-WZ_EXPORT void Initialize(PZKAXP, PZKAXC, PZKLONG, PZKLONG) {}
-
-WZ_EXPORT void Terminate(PZKAXP pExitParms, PZKAXC, PZKLONG pCompCode, PZKLONG pReason) {
+void TerminateConnection(PZKAXP pExitParms, PZKLONG pCompCode, PZKLONG pReason) {
   ExitControlBlock *cb = ControlBlockOf(pExitParms);
   if (cb == nullptr) {
     return;

@@ -11,19 +11,23 @@
 #define BUILD_VARIANT "Common to single thread and multi thread"
 #define MAKER_CONTACT "wz support <support@wz-trace.example>"
 
+// Registers the exit's functions for a connection; 0 when the connection
+// is to be traced (the entry functions pass the handlers' registration).
+typedef int32_t RegisterAllFunction(ExitControlBlock *cb, PZKAXP pExitParms, PZKLONG pCompCode,
+                                    PZKLONG pReason);
+
+// The connection-time path of the entry functions: control block,
+// parameter file, process filter, first trace file, registration.
 void ApiTraceExitEntry(PZKAXP pExitParms, PZKAXC pExitContext, PZKLONG pCompCode, PZKLONG pReason,
-                       int32_t level, const char *entryName, uint8_t debug);
+                       int32_t level, const char *entryName, uint8_t debug,
+                       RegisterAllFunction *registerAll);
+
+// The end of a connection: the closing record, the file closed, the
+// control block freed.
+void TerminateConnection(PZKAXP pExitParms, PZKLONG pCompCode, PZKLONG pReason);
 
 int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const ParameterSettings *settings,
                              const ZKAXP *pExitParms, const ZKAXC *pExitContext, uint8_t debug);
-
-void RegisterApiEntry(ExitControlBlock *cb, PZKAXP pExitParms, ZKLONG exitReason, ZKLONG function,
-                      PZKFUNC entryPoint, PZKXEPO pExitOpts, PZKLONG pCompCode, PZKLONG pReason);
-
-// Registers the before and after functions of every call, in order; 0 when
-// all registrations outside the transaction-manager group succeeded.
-int32_t RegisterAllApiEntries(ExitControlBlock *cb, PZKAXP pExitParms, PZKLONG pCompCode,
-                              PZKLONG pReason);
 
 // The last component of a 28-character application name: what follows the
 // last '/' or ' ' once the name is trimmed. `out` has room for 80 bytes.

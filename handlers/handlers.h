@@ -1,83 +1,22 @@
 // The exit functions the queue manager calls around each ZKI call, and the
-// connection-time functions. Each has the parameter list of its call.
+// connection-time functions, declared from the one call table. Each has the
+// parameter list of its call.
 #pragma once
 
 #include "exit/export.h"
 #include "zk/zk.h"
 
-WZ_EXPORT ZK_INIT_EXIT wzEntry;
-WZ_EXPORT ZK_INIT_EXIT wzEntryDebug;
-WZ_EXPORT void ZKStart(void);
-WZ_EXPORT ZK_INIT_EXIT Initialize;
-WZ_EXPORT ZK_TERM_EXIT Terminate;
+typedef void WZ_START_FUNCTION(void);
 
-// Connection and unit-of-work calls: ZKCONN, ZKCONNX, ZKDISC, ZKBEGIN, ZKCMIT, ZKBACK.
-WZ_EXPORT ZK_CONN_EXIT ConnBefore;
-WZ_EXPORT ZK_CONN_EXIT ConnAfter;
-WZ_EXPORT ZK_CONNX_EXIT ConnxBefore;
-WZ_EXPORT ZK_CONNX_EXIT ConnxAfter;
-WZ_EXPORT ZK_DISC_EXIT DiscBefore;
-WZ_EXPORT ZK_DISC_EXIT DiscAfter;
-WZ_EXPORT ZK_BEGIN_EXIT BeginBefore;
-WZ_EXPORT ZK_BEGIN_EXIT BeginAfter;
-WZ_EXPORT ZK_CMIT_EXIT CmitBefore;
-WZ_EXPORT ZK_CMIT_EXIT CmitAfter;
-WZ_EXPORT ZK_BACK_EXIT BackBefore;
-WZ_EXPORT ZK_BACK_EXIT BackAfter;
-
-// Queue calls: ZKOPEN, ZKCLOSE, ZKPUT1, ZKPUT, ZKGET (and its data-conversion point), ZKINQ, ZKSET.
-WZ_EXPORT ZK_OPEN_EXIT OpenBefore;
-WZ_EXPORT ZK_OPEN_EXIT OpenAfter;
-WZ_EXPORT ZK_CLOSE_EXIT CloseBefore;
-WZ_EXPORT ZK_CLOSE_EXIT CloseAfter;
-WZ_EXPORT ZK_PUT1_EXIT Put1Before;
-WZ_EXPORT ZK_PUT1_EXIT Put1After;
-WZ_EXPORT ZK_PUT_EXIT PutBefore;
-WZ_EXPORT ZK_PUT_EXIT PutAfter;
-WZ_EXPORT ZK_GET_EXIT GetBefore; // also the data-conversion point
-WZ_EXPORT ZK_GET_EXIT GetAfter;
-WZ_EXPORT ZK_INQ_EXIT InqBefore;
-WZ_EXPORT ZK_INQ_EXIT InqAfter;
-WZ_EXPORT ZK_SET_EXIT SetBefore;
-WZ_EXPORT ZK_SET_EXIT SetAfter;
-
-// Subscription, status, control and callback calls: ZKSTAT, ZKSUB, ZKSUBRQ, ZKCTL, ZKCB and the
-// message-consumer callback.
-WZ_EXPORT ZK_STAT_EXIT StatBefore;
-WZ_EXPORT ZK_STAT_EXIT StatAfter;
-WZ_EXPORT ZK_SUB_EXIT SubBefore;
-WZ_EXPORT ZK_SUB_EXIT SubAfter;
-WZ_EXPORT ZK_SUBRQ_EXIT SubrqBefore;
-WZ_EXPORT ZK_SUBRQ_EXIT SubrqAfter;
-WZ_EXPORT ZK_CTL_EXIT CtlBefore;
-WZ_EXPORT ZK_CTL_EXIT CtlAfter;
-WZ_EXPORT ZK_CB_EXIT CbBefore;
-WZ_EXPORT ZK_CB_EXIT CbAfter;
-WZ_EXPORT ZK_CALLBACK_EXIT CallbackBefore;
-WZ_EXPORT ZK_CALLBACK_EXIT CallbackAfter;
-
-// Transaction-manager calls: xa_* and ax_*.
-WZ_EXPORT ZK_XACLOSE_EXIT XaCloseBefore;
-WZ_EXPORT ZK_XACLOSE_EXIT XaCloseAfter;
-WZ_EXPORT ZK_XACOMMIT_EXIT XaCommitBefore;
-WZ_EXPORT ZK_XACOMMIT_EXIT XaCommitAfter;
-WZ_EXPORT ZK_XACOMPLETE_EXIT XaCompleteBefore;
-WZ_EXPORT ZK_XACOMPLETE_EXIT XaCompleteAfter;
-WZ_EXPORT ZK_XAEND_EXIT XaEndBefore;
-WZ_EXPORT ZK_XAEND_EXIT XaEndAfter;
-WZ_EXPORT ZK_XAFORGET_EXIT XaForgetBefore;
-WZ_EXPORT ZK_XAFORGET_EXIT XaForgetAfter;
-WZ_EXPORT ZK_XAOPEN_EXIT XaOpenBefore;
-WZ_EXPORT ZK_XAOPEN_EXIT XaOpenAfter;
-WZ_EXPORT ZK_XAPREPARE_EXIT XaPrepareBefore;
-WZ_EXPORT ZK_XAPREPARE_EXIT XaPrepareAfter;
-WZ_EXPORT ZK_XARECOVER_EXIT XaRecoverBefore;
-WZ_EXPORT ZK_XARECOVER_EXIT XaRecoverAfter;
-WZ_EXPORT ZK_XAROLLBACK_EXIT XaRollbackBefore;
-WZ_EXPORT ZK_XAROLLBACK_EXIT XaRollbackAfter;
-WZ_EXPORT ZK_XASTART_EXIT XaStartBefore;
-WZ_EXPORT ZK_XASTART_EXIT XaStartAfter;
-WZ_EXPORT ZK_AXREG_EXIT AxRegBefore;
-WZ_EXPORT ZK_AXREG_EXIT AxRegAfter;
-WZ_EXPORT ZK_AXUNREG_EXIT AxUnregBefore;
-WZ_EXPORT ZK_AXUNREG_EXIT AxUnregAfter;
+#define WZ_ENTRY(name, type) WZ_EXPORT type name;
+#define WZ_CONNECTION(name, type, function, condition) WZ_EXPORT type name;
+#define WZ_CALL(function, type, before, after, condition)                                          \
+  WZ_EXPORT type before;                                                                           \
+  WZ_EXPORT type after;
+#define WZ_CALL_CONVERT(function, conversion, type, before, after, condition)                      \
+  WZ_CALL(function, type, before, after, condition)
+#include "handlers/calls.def"
+#undef WZ_ENTRY
+#undef WZ_CONNECTION
+#undef WZ_CALL
+#undef WZ_CALL_CONVERT
