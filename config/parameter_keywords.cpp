@@ -76,9 +76,9 @@ const ParameterKeywordEntry ParameterKeywordTable[] = {
     // A negative code page is replaced by the locale's once the file is read.
     INTEGER_ANY("ShowHexCharCcsid", ShowHexCharCcsid, 0),
     INTEGER_ANY("CheckUpdateRequestInterval", CheckUpdateRequestInterval, 30),
-    // The keyword chain has always tested ShowPerformanceIntervalCount a
-    // second time here. The scan stops at the row above, so this row is never
-    // reached; it stays so that the table matches that chain row for row.
+    // A second row of the same keyword: the scan stops at the row above, so
+    // this one is never reached. It keeps the table's rows in the order of
+    // the keyword list, which names this keyword twice.
     INTEGER_ANY("ShowPerformanceIntervalCount", ShowPerformanceIntervalCount, 0),
     {"CompressCommand", PARM_KIND_TEXT, FIELD(char[300], CompressCommand), 0, PARAMETER_COMMAND_MAX,
      0},

@@ -80,7 +80,8 @@ int32_t ShowZKCHARV(ExitControlBlock *cb, const char *name, const ZKCHARV *charv
   }
   TraceLineAppendChar(&line, '\n');
   if (charv->VSLength == -1) {
-    // Without the two leading blanks, as the trace has always shown it.
+    // The null-terminated length is written without the two leading blanks
+    // of the block's other lines: its name stands at the margin.
     TraceLineAppendFieldName(&line, "VSLength");
     TraceLineAppend(&line, "(null terminate)", 16);
   } else {

@@ -124,7 +124,8 @@ int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {
   }
   ssize_t written = write(cb->FileDescriptor, cb->WriteBuffer, (size_t)cb->WriteBufferFill);
   cb->WriteBufferFill = 0;
-  // Only a failed call counts: a short write passes, as it always has.
+  // Only a failed call counts: a short write (a full disk part-way through
+  // the buffer) passes, and the next write reports the disk's error.
   if (written < 0) {
     cb->FatalError = 1;
     PutMessage<1001>(cb, -1, cb->TraceFilePath, "write");
