@@ -7,7 +7,7 @@
 
 #include "exit/control_block.h"
 #include "exit/exit_files.h"
-#include "exit/name_match.h"
+#include "text/name_match.h"
 #include "exit/timing.h"
 #include "text/constant_table.h"
 #include "text/string_utils.h"

@@ -1,7 +1,7 @@
 #include "exit/process_filter.h"
 
 #include "exit/control_block.h"
-#include "exit/name_match.h"
+#include "text/name_match.h"
 
 namespace {
 

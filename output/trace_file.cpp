@@ -21,7 +21,7 @@
 #include "exit/commands.h"
 #include "exit/exit_files.h"
 #include "exit/control_block.h"
-#include "exit/process_id.h"
+#include "output/process_id.h"
 #include "output/profile.h"
 #include "output/summary.h"
 

@@ -2,7 +2,7 @@
 // value that is not found answers with the table's end-marker text.
 #include <string.h>
 
-#include "exit/name_match.h"
+#include "text/name_match.h"
 #include "text/constant_table.h"
 
 const char *SearchConstantInt(int32_t value, const ConstantIntEntry *table) {

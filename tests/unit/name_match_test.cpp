@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "exit/name_match.h"
+#include "text/name_match.h"
 
 TEST(CompareModuleNameNocase, ExactAndCaseInsensitive) {
   EXPECT_EQ(CompareModuleNameNocase("payroll", "payroll"), 1);

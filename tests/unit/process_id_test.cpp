@@ -3,7 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "exit/process_id.h"
+#include "output/process_id.h"
 
 TEST(ProcessId, IsTheCallersAndFollowsFork) {
   EXPECT_EQ(CurrentProcessId(), (int32_t)getpid());

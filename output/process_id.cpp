@@ -1,4 +1,4 @@
-#include "exit/process_id.h"
+#include "output/process_id.h"
 
 #include <pthread.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "exit/name_match.h"
+#include "text/name_match.h"
 
 #include <string.h>
 
