@@ -1,5 +1,8 @@
 // Numbered alert messages, written to the error file of the connection (or
-// of the process when there is no control block yet), and external commands.
+// of the process when there is no control block yet).
+//
+// A hub: every subsystem reports its failures here, so every folder may
+// include this header.
 //
 // A message is raised as PutMessage<number>(cb, error, arguments...). The
 // number must be in the catalogue and the arguments must match its

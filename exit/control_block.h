@@ -1,5 +1,8 @@
 // The per-connection control block: everything the exit knows about one
 // connection lives here, reached through the exit chain area pointer.
+//
+// A hub: every subsystem reads and writes its own part of the block, so
+// every folder may include this header.
 #pragma once
 
 #include <stdint.h>

@@ -4,6 +4,10 @@
 // regular file, never blocks the call (a FIFO or device planted at its name
 // is refused, not waited on), is never inherited by programs the host
 // starts, and is created with mode 0660 (before the umask).
+//
+// A hub: the parameter file, trace files, alert and error files and every
+// later file of the exit open through here, so every folder may include
+// this header.
 #pragma once
 
 #include <stddef.h>

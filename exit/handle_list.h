@@ -1,5 +1,8 @@
 // The queue handle list of a connection: object handle -> the name it was
 // opened under, its resolved name and the trace flags decided at open.
+//
+// A hub: dispatch keeps the list, and the formatters look up the names of
+// handles in it, so every folder may include this header.
 #pragma once
 
 #include <stdint.h>
