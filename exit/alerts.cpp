@@ -189,6 +189,9 @@ int32_t BuildMessageLine(char *out, int32_t size, const ExitControlBlock *cb, ui
     return 0;
   }
   out[0] = '\0';
+  if (size < 2) {
+    return 0; // no room for even the line feed
+  }
   // The line keeps room for its line feed, whatever the text.
   line.Size = size - 1;
 

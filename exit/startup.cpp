@@ -176,6 +176,8 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
 
   if (cb->Settings.NoExitProcessIfProcNameMismatch == 1 &&
       SetExecStatusFlagAndProcessNameMatchFlag(cb) != 0) {
+    // The block is gone: the chain area must not point at freed memory.
+    axp->ExitChainAreaPtr = nullptr;
     FreeAreas(cb, handles);
     SetResponse(axp, ZKXCC_OK, ZKXR2_DEFAULT_CONTINUATION);
     return;

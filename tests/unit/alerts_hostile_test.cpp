@@ -158,3 +158,24 @@ TEST_F(AlertsHostile, ErrnoIsKept) {
   EXPECT_EQ(errno, EXDEV);
   EXPECT_NE(ErrorFile().find("EXDEV"), std::string::npos) << ErrorFile();
 }
+
+TEST_F(AlertsHostile, LineBuiltIntoTinyBuffersStaysInside) {
+  char out[8];
+  for (int32_t size = 0; size <= 8; size++) {
+    memset(out, 'x', sizeof out);
+    AlertArgument arguments[] = {MakeAlertArgument("some text")};
+    int32_t length = BuildMessageLine(out, size, cb, 1, 0, arguments, 1);
+    if (size == 0) {
+      EXPECT_EQ(out[0], 'x');
+      continue;
+    }
+    EXPECT_EQ(length, (int32_t)strlen(out)) << size;
+    EXPECT_LT(length, size) << size;
+    for (int32_t i = length + 1; i < 8; i++) {
+      EXPECT_EQ(out[i], 'x') << size << " " << i;
+    }
+    if (size >= 2) {
+      EXPECT_EQ(out[length - 1], '\n') << size;
+    }
+  }
+}

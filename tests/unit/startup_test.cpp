@@ -295,6 +295,8 @@ TEST_F(StartupTest, ExcludedProcessWithNoExitOptionRegistersNothing) {
   EXPECT_EQ(c.Axp.ExitResponse, ZKXCC_OK);
   EXPECT_EQ(c.Axp.ExitResponse2, 0);
   EXPECT_TRUE(gTestXep.Calls.empty());
+  // The freed block is not left behind in the chain area.
+  EXPECT_EQ(c.Axp.ExitChainAreaPtr, nullptr);
 }
 
 TEST_F(StartupTest, ExcludedProcessWithoutNoExitOptionStaysRegistered) {
