@@ -5,46 +5,11 @@
 #include "format/field_primitives.h"
 #include "text/constant_table.h"
 #include "text/string_utils.h"
+#include "zk/zkconst.h"
 
 namespace {
 
 constexpr int32_t kFormatLength = 8;
-
-// Names of the compression bits, in the order they are listed.
-struct CompressBitName {
-  int32_t bit;
-  const char *name;
-  int32_t length;
-};
-constexpr CompressBitName kCompressBits[] = {
-    {1, "RLE", 3},
-    {2, "ZLIBFAST", 8},
-    {4, "ZLIBHIGH", 8},
-    {8, "SYSTEM", 6},
-};
-constexpr int32_t kCompressAny = 0x0FFFFFFF;
-
-// The encoding value's three fields, each a 4-bit code and its names.
-struct EncodingName {
-  int32_t code;
-  const char *name;
-};
-constexpr EncodingName kIntegerEncodings[] = {
-    {0x1, "INTEGER_NORMAL"}, {0x2, "INTEGER_REVERSED"}, {-1, "INTEGER_UNDEFINED"}};
-constexpr EncodingName kDecimalEncodings[] = {
-    {0x10, "DECIMAL_NORMAL"}, {0x20, "DECIMAL_REVERSED"}, {-1, "DECIMAL_UNDEFINED"}};
-constexpr EncodingName kFloatEncodings[] = {{0x100, "FLOAT_IEEE_NORMAL"},
-                                            {0x200, "FLOAT_IEEE_REVERSED"},
-                                            {0x300, "FLOAT_S390"},
-                                            {0x400, "FLOAT_TNS"},
-                                            {-1, "FLOAT_UNDEFINED"}};
-
-const char *EncodingNameOf(const EncodingName *names, int32_t code) {
-  while (names->code != -1 && names->code != code) {
-    names++;
-  }
-  return names->name;
-}
 
 } // namespace
 
@@ -107,20 +72,32 @@ int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t v
   TraceLineStartField(&line, cb, name);
   TraceLineAppendInt32(&line, value, fixedWidth != 0 ? 6 : 0);
   TraceLineAppend(&line, " (", 2);
-  if (value == -1) {
-    TraceLineAppend(&line, "not available", 13);
-  } else if (value == 0) {
-    TraceLineAppend(&line, "none", 4);
-  } else if (value == kCompressAny) {
-    TraceLineAppend(&line, "any", 3);
+  // A word that is not made of known bits alone, or has none, may be one of
+  // the whole words ("not available", "none", "any"); any other word lists
+  // its known bits in the order of the table, unknown bits left out.
+  const uint32_t known = ConstantKnownBits_Zkcompress;
+  const ConstantIntEntry *whole = nullptr;
+  if (value == 0 || ((uint32_t)value & ~known) != 0) {
+    for (const ConstantIntEntry *row = Constant_Zkcompress; row->value != CONSTANT_TABLE_END;
+         row++) {
+      if (row->value == value) {
+        whole = row;
+        break;
+      }
+    }
+  }
+  if (whole != nullptr) {
+    TraceLineAppendText(&line, whole->text);
   } else {
     bool first = true;
-    for (const CompressBitName &bit : kCompressBits) {
-      if ((value & bit.bit) != 0) {
+    for (const ConstantIntEntry *row = Constant_Zkcompress; row->value != CONSTANT_TABLE_END;
+         row++) {
+      uint32_t bits = (uint32_t)row->value;
+      if (bits != 0 && (bits & ~known) == 0 && ((uint32_t)value & bits) == bits) {
         if (!first) {
           TraceLineAppend(&line, " / ", 3);
         }
-        TraceLineAppend(&line, bit.name, bit.length);
+        TraceLineAppendText(&line, row->text);
         first = false;
       }
     }
@@ -138,14 +115,20 @@ int32_t ShowParsedEncodingValue(ExitControlBlock *cb, int32_t encoding) {
   TraceLineAppendFieldName(&line, "Encoding");
   TraceLineAppendUInt32(&line, (uint32_t)encoding, 0);
   TraceLineAppendChar(&line, ' ');
-  if (encoding == ZK_ENCODING_NATIVE) {
-    TraceLineAppend(&line, "(Native encoding) ", 18);
+  // A named whole encoding first ("(Native encoding) "), then its three parts.
+  const char *whole = SearchConstantInt(encoding, Constant_Zkenc);
+  if (whole[0] != '\0') {
+    TraceLineAppendChar(&line, '(');
+    TraceLineAppendText(&line, whole);
+    TraceLineAppend(&line, ") ", 2);
   }
-  TraceLineAppendText(&line, EncodingNameOf(kIntegerEncodings, encoding & 0xF));
+  TraceLineAppendText(&line,
+                      SearchConstantInt(encoding & ZKENC_INTEGER_MASK, Constant_Zkenc_integer));
   TraceLineAppend(&line, " / ", 3);
-  TraceLineAppendText(&line, EncodingNameOf(kDecimalEncodings, encoding & 0xF0));
+  TraceLineAppendText(&line,
+                      SearchConstantInt(encoding & ZKENC_DECIMAL_MASK, Constant_Zkenc_decimal));
   TraceLineAppend(&line, " / ", 3);
-  TraceLineAppendText(&line, EncodingNameOf(kFloatEncodings, encoding & 0xF00));
+  TraceLineAppendText(&line, SearchConstantInt(encoding & ZKENC_FLOAT_MASK, Constant_Zkenc_float));
   TraceLineAppendChar(&line, '\n');
   return TraceLineWrite(&line);
 }

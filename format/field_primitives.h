@@ -13,17 +13,16 @@
 #include <stdint.h>
 #include <string.h>
 
+#include "zk/zkconst.h"
 #include "zk/zktypes.h"
 
 struct ExitControlBlock;
 
 // Width of the name column of a field line.
 #define FIELD_NAME_WIDTH 25
-// The integer encodings of the encoding value (its bits 0-3).
-#define ZK_ENCODING_INTEGER_NORMAL 1
-#define ZK_ENCODING_INTEGER_REVERSED 2
-// The encoding of the host, little-endian i386.
-#define ZK_ENCODING_NATIVE 546
+// Former name of the platform's ZKENC_INTEGER_REVERSED, kept only while the
+// dump fuzz driver still uses it; the value itself is the zk/defs row.
+#define ZK_ENCODING_INTEGER_REVERSED ZKENC_INTEGER_REVERSED
 // Byte fields shorter than this are shown on one line; longer ones as a dump.
 #define FIELD_SINGLE_LINE_HEX_LIMIT 33
 // A string value goes to separate text lines when its length plus this
@@ -267,7 +266,7 @@ int64_t ZkInt64ValueRegardingEncoding(uint32_t low, uint32_t high, int32_t encod
 // The encoding of a structure that carries no Encoding field of its own,
 // decided from its 4-byte identifier and the Version field that follows it:
 // a non-zero first Version byte means little-endian (host) order and gives
-// ZK_ENCODING_INTEGER_REVERSED, otherwise ZK_ENCODING_INTEGER_NORMAL.
+// ZKENC_INTEGER_REVERSED, otherwise ZKENC_INTEGER_NORMAL.
 int32_t ZkStructureEncoding(const void *structure);
 
 // ---------------------------------------------------------------------------

@@ -12,13 +12,19 @@ struct Named {
   ZKLONG value;
 };
 
-// Every constant of zk/defs, by name.
+// Every constant of zk/defs, by name: the option, flag and selector
+// families, the exit interface's completion codes and responses, and every
+// other family. Where two families share a prefix, the one listed first in
+// zk/defs/all.def names a value.
 #define ZK_FAMILY_BEGIN(table)
 #define ZK_FAMILY_END(table, endText)
 #define ZK_CONST(name, value, text) {#name, (ZKLONG)(value)},
 #define ZK_NAMED(name, value) {#name, (ZKLONG)(value)},
 #define ZK_ALIAS(name, value) {#name, (ZKLONG)(value)},
 #define ZK_ROW(value, text)
+#define ZK_FLAG_FAMILY_BEGIN(table)
+#define ZK_FLAG_FAMILY_END(table, endText)
+#define ZK_FLAG(name, value, text) {#name, (ZKLONG)(value)},
 #define ZK_STRING_FAMILY_BEGIN(table)
 #define ZK_STRING_FAMILY_END(table, endText)
 #define ZK_STRING_CONST(name, key, text)
@@ -45,29 +51,6 @@ const Named kAxReturns[] = {
 #include "zk/defs/axrc.def"
 };
 #include "zk/defs/undef.h"
-
-// The constants of zk_options.h.
-#define ZKQM_OPTION(name, value) {#name, static_cast<ZKLONG>(value)},
-const Named kOptions[] = {
-#include "zk_options.h"
-};
-#undef ZKQM_OPTION
-
-// The exit interface's own constants, which zkxc.h gives as macros.
-const Named kInterface[] = {
-    {"ZKCC_OK", ZKCC_OK},
-    {"ZKCC_WARNING", ZKCC_WARNING},
-    {"ZKCC_FAILED", ZKCC_FAILED},
-    {"ZKCC_UNKNOWN", ZKCC_UNKNOWN},
-    {"ZKXCC_OK", ZKXCC_OK},
-    {"ZKXCC_SUPPRESS_FUNCTION", ZKXCC_SUPPRESS_FUNCTION},
-    {"ZKXCC_SKIP_FUNCTION", ZKXCC_SKIP_FUNCTION},
-    {"ZKXCC_SUPPRESS_EXIT", ZKXCC_SUPPRESS_EXIT},
-    {"ZKXCC_FAILED", ZKXCC_FAILED},
-    {"ZKXR2_DEFAULT_CONTINUATION", ZKXR2_DEFAULT_CONTINUATION},
-    {"ZKXR2_CONTINUE_CHAIN", ZKXR2_CONTINUE_CHAIN},
-    {"ZKXR2_SUPPRESS_CHAIN", ZKXR2_SUPPRESS_CHAIN},
-};
 
 template <std::size_t N> std::string nameOf(const Named (&table)[N], ZKLONG value) {
   for (const Named &row : table) {
@@ -141,11 +124,6 @@ std::string axReturnName(ZKLONG rc) {
 }
 
 std::string constantName(ZKLONG value, std::string_view prefix) {
-  for (const Named &row : kOptions) {
-    if (row.value == value && std::string_view(row.name).substr(0, prefix.size()) == prefix) {
-      return row.name + prefix.size();
-    }
-  }
   for (const Named &row : kDefs) {
     if (row.value == value && std::string_view(row.name).substr(0, prefix.size()) == prefix) {
       return row.name + prefix.size();
@@ -155,8 +133,7 @@ std::string constantName(ZKLONG value, std::string_view prefix) {
 }
 
 bool constantByName(std::string_view name, ZKLONG &value) {
-  return valueOf(kOptions, name, value) || valueOf(kDefs, name, value) ||
-         valueOf(kInterface, name, value);
+  return valueOf(kDefs, name, value);
 }
 
 bool parseLong(std::string_view text, std::string_view prefix, ZKLONG &value, std::string &error) {

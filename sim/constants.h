@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "zk/zkconst.h"
 #include "zk/zkxc.h"
-#include "zk_options.h"
 
 namespace zkqm {
 

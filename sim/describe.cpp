@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "engine_util.h"
-#include "zk_options.h"
+#include "zk/zkconst.h"
 
 namespace zkqm {
 namespace {

@@ -787,7 +787,11 @@ bool setFieldValue(const FieldDef &field, void *structure, const std::string &te
       return false;
     }
     std::memset(p, 0, field.size);
-    std::memcpy(p, bytes.data(), bytes.size());
+    // An empty value leaves the field all zeros; an empty vector's data()
+    // may be null, which memcpy must not be given even for no bytes.
+    if (!bytes.empty()) {
+      std::memcpy(p, bytes.data(), bytes.size());
+    }
     return true;
   }
   }

@@ -29,21 +29,13 @@ const NamedValue kFunctions[] = {
 const NamedValue kExitReasons[] = {
 #include "zk/defs/exitreason.def"
 };
-#include "zk/defs/undef.h"
-
 const NamedValue kResponses[] = {
-    {ZKXCC_OK, "OK"},
-    {ZKXCC_SUPPRESS_FUNCTION, "SUPPRESS_FUNCTION"},
-    {ZKXCC_SKIP_FUNCTION, "SKIP_FUNCTION"},
-    {ZKXCC_SUPPRESS_EXIT, "SUPPRESS_EXIT"},
-    {ZKXCC_FAILED, "FAILED"},
+#include "zk/defs/zkxcc.def"
 };
-
 const NamedValue kResponses2[] = {
-    {ZKXR2_DEFAULT_CONTINUATION, "DEFAULT_CONTINUATION"},
-    {ZKXR2_CONTINUE_CHAIN, "CONTINUE_CHAIN"},
-    {ZKXR2_SUPPRESS_CHAIN, "SUPPRESS_CHAIN"},
+#include "zk/defs/zkxr2.def"
 };
+#include "zk/defs/undef.h"
 
 template <std::size_t N>
 std::string lookUp(const NamedValue (&table)[N], ZKLONG value, const char *unknown) {

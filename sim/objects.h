@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "zk/zk.h"
-#include "zk_options.h"
 
 namespace zkqm {
 

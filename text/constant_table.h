@@ -33,13 +33,20 @@ int32_t CountConstantIntRows(const ConstantIntEntry *table);
 int32_t CountConstantStringRows(const ConstantStringEntry *table);
 int32_t CountConstantByteRows(const ConstantByteEntry *table);
 
-// Every table built from the platform's constant families.
+// Every table built from the platform's constant families. A family of
+// flags also has the mask of the bits its ZK_FLAG rows name: a flag word's
+// bits outside it are unknown bits.
 #define ZK_FAMILY_BEGIN(table) extern const ConstantIntEntry Constant_##table[];
 #define ZK_FAMILY_END(table, endText)
 #define ZK_CONST(name, value, text)
 #define ZK_NAMED(name, value)
 #define ZK_ALIAS(name, value)
 #define ZK_ROW(value, text)
+#define ZK_FLAG_FAMILY_BEGIN(table)                                                                \
+  extern const ConstantIntEntry Constant_##table[];                                                \
+  extern const uint32_t ConstantKnownBits_##table;
+#define ZK_FLAG_FAMILY_END(table, endText)
+#define ZK_FLAG(name, value, text)
 #define ZK_STRING_FAMILY_BEGIN(table) extern const ConstantStringEntry Constant_##table[];
 #define ZK_STRING_FAMILY_END(table, endText)
 #define ZK_STRING_CONST(name, key, text)

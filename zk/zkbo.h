@@ -2,6 +2,7 @@
 #ifndef ZK_ZKBO_H
 #define ZK_ZKBO_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -27,7 +28,7 @@ typedef PZKBO *PPZKBO;
 
 /* Initial value of ZKBO: the platform default. */
 #define ZKBO_DEFAULT                                                                               \
-  { {ZKBO_STRUC_ID_ARRAY}, ZKBO_VERSION_1, 0 /* options: none */ }
+  { {ZKBO_STRUC_ID_ARRAY}, ZKBO_VERSION_1, ZKBO_NONE /* options: none */ }
 
 ZK_CHECK_SIZE(ZKBO, ZKBO_LENGTH_1);
 

@@ -8,6 +8,7 @@
 #ifndef ZK_ZKCFC_H
 #define ZK_ZKCFC_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -46,9 +47,9 @@ typedef ZKCFH *PZKCFH;
    ZKCFH_VERSION_1,                                                                                \
    0 /* command: none */,                                                                          \
    1 /* message sequence number */,                                                                \
-   1 /* control: last message */,                                                                  \
-   0 /* completion code: OK */,                                                                    \
-   0 /* reason: none */,                                                                           \
+   ZKCFC_LAST /* control: last message */,                                                         \
+   ZKCC_OK /* completion code: OK */,                                                              \
+   ZKRC_NONE /* reason: none */,                                                                   \
    0 /* parameter count */}
 /* clang-format on */
 

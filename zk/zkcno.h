@@ -6,6 +6,7 @@
 #ifndef ZK_ZKCNO_H
 #define ZK_ZKCNO_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -54,7 +55,7 @@ typedef PZKCNO *PPZKCNO;
 #define ZKCNO_DEFAULT                                                                              \
   {{ZKCNO_STRUC_ID_ARRAY},                                                                         \
    ZKCNO_VERSION_1,                                                                                \
-   0 /* options: standard binding */,                                                              \
+   ZKCNO_STANDARD_BINDING /* options: standard binding */,                                         \
    0,                                                                                              \
    0,                                                                                              \
    {0} /* connection tag: none */,                                                                 \
@@ -435,7 +436,7 @@ typedef ZKCSP *PZKCSP;
 #define ZKCSP_DEFAULT                                                                              \
   {{ZKCSP_STRUC_ID_ARRAY},                                                                         \
    ZKCSP_VERSION_1,                                                                                \
-   0 /* authentication: none */,                                                                   \
+   ZKCSP_AUTH_NONE /* authentication: none */,                                                     \
    {0},                                                                                            \
    0,                                                                                              \
    0,                                                                                              \

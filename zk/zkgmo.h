@@ -2,6 +2,7 @@
 #ifndef ZK_ZKGMO_H
 #define ZK_ZKGMO_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -53,15 +54,15 @@ typedef PZKGMO *PPZKGMO;
 #define ZKGMO_DEFAULT                                                                              \
   {{ZKGMO_STRUC_ID_ARRAY},                                                                         \
    ZKGMO_VERSION_1,                                                                                \
-   0 /* options: no wait */,                                                                       \
+   ZKGMO_NO_WAIT /* options: no wait */,                                                           \
    0 /* wait interval */,                                                                          \
    0 /* signal */,                                                                                 \
    0 /* signal identifier */,                                                                      \
    {ZK_BLANKS48},                                                                                  \
    3 /* match options: message id and correlation id */,                                           \
-   ' ' /* not in a group */,                                                                       \
-   ' ' /* not a segment */,                                                                        \
-   ' ' /* segmentation inhibited */,                                                               \
+   ZKGS_NOT_IN_GROUP /* not in a group */,                                                         \
+   ZKSS_NOT_A_SEGMENT /* not a segment */,                                                         \
+   ZKSEG_INHIBITED /* segmentation inhibited */,                                                   \
    ' ',                                                                                            \
    {0} /* message token: none */,                                                                  \
    -1 /* returned length: not set */,                                                              \

@@ -10,6 +10,7 @@
 #ifndef ZK_ZKHDR_H
 #define ZK_ZKHDR_H
 
+#include "zkconst.h"
 #include "zkcfc.h"
 #include "zkmd.h"
 #include "zkstruc.h"
@@ -77,11 +78,11 @@ typedef ZKDH *PZKDH;
   {{ZKDH_STRUC_ID_ARRAY},                                                                          \
    ZKDH_VERSION_1,                                                                                 \
    ZKDH_LENGTH_1,                                                                                  \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* flags: none */,                                                                            \
-   0 /* put-message record fields: none */,                                                        \
+   ZKDHF_NONE /* flags: none */,                                                                   \
+   ZKPMRF_NONE /* put-message record fields: none */,                                              \
    0,                                                                                              \
    0,                                                                                              \
    0}
@@ -128,10 +129,10 @@ typedef ZKRMH *PZKRMH;
   {{ZKRMH_STRUC_ID_ARRAY},                                                                         \
    ZKRMH_VERSION_1,                                                                                \
    ZKRMH_LENGTH_1,                                                                                 \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* flags: none */,                                                                            \
+   ZKRMHF_NOT_LAST /* flags: none, not the last */,                                                \
    {ZK_BLANKS8},                                                                                   \
    {0} /* object instance id: none */,                                                             \
    0,                                                                                              \
@@ -179,13 +180,13 @@ typedef ZKDLH *PZKDLH;
 #define ZKDLH_DEFAULT                                                                              \
   {{ZKDLH_STRUC_ID_ARRAY},                                                                         \
    ZKDLH_VERSION_1,                                                                                \
-   0 /* reason: none */,                                                                           \
+   ZKRC_NONE /* reason: none */,                                                                   \
    {ZK_BLANKS48},                                                                                  \
    {ZK_BLANKS48},                                                                                  \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* put application type: no context */,                                                       \
+   ZKAT_NO_CONTEXT /* put application type: no context */,                                         \
    {ZK_BLANKS28},                                                                                  \
    {ZK_BLANKS8},                                                                                   \
    {ZK_BLANKS8}}
@@ -222,10 +223,10 @@ typedef ZKRFH *PZKRFH;
   {{ZKRFH_STRUC_ID_ARRAY},                                                                         \
    ZKRFH_VERSION_1,                                                                                \
    ZKRFH_STRUC_LENGTH_FIXED,                                                                       \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* flags: none */}
+   ZKRFH_NONE /* flags: none */}
 /* clang-format on */
 
 ZK_CHECK_SIZE(ZKRFH, ZKRFH_LENGTH_1);
@@ -258,10 +259,10 @@ typedef ZKRFH2 *PZKRFH2;
   {{ZKRFH2_STRUC_ID_ARRAY},                                                                        \
    ZKRFH2_VERSION_2,                                                                               \
    ZKRFH2_STRUC_LENGTH_FIXED,                                                                      \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* flags: none */,                                                                            \
+   ZKRFH_NONE /* flags: none */,                                                                   \
    1208 /* folders in UTF-8 */}
 /* clang-format on */
 
@@ -336,10 +337,10 @@ typedef ZKEPH *PZKEPH;
   {{ZKEPH_STRUC_ID_ARRAY},                                                                         \
    ZKEPH_VERSION_1,                                                                                \
    ZKEPH_STRUC_LENGTH_FIXED,                                                                       \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* flags: none */,                                                                            \
+   ZKEPH_NONE /* flags: none */,                                                                   \
    ZKCFH_DEFAULT}
 /* clang-format on */
 

@@ -4,6 +4,7 @@
 #ifndef ZK_ZKMD_H
 #define ZK_ZKMD_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -93,15 +94,15 @@ typedef ZKMD1 *PZKMD1;
 #define ZKMD_DEFAULT_VERSION_1_FIELDS                                                              \
   {ZKMD_STRUC_ID_ARRAY},                                                                           \
   ZKMD_VERSION_1,                                                                                  \
-  0 /* report: none */,                                                                            \
-  8 /* message type: datagram */,                                                                  \
-  -1 /* expiry: unlimited */,                                                                      \
-  0 /* feedback: none */,                                                                          \
-  546 /* encoding: native */,                                                                      \
+  ZKRO_NONE /* report: none */,                                                                    \
+  ZKMT_DATAGRAM /* message type: datagram */,                                                      \
+  ZKEI_UNLIMITED /* expiry: unlimited */,                                                          \
+  ZKFB_NONE /* feedback: none */,                                                                  \
+  ZKENC_NATIVE /* encoding: native */,                                                             \
   0 /* CCSID: queue manager's */,                                                                  \
   {ZK_BLANKS8} /* format: none */,                                                                 \
-  -1 /* priority: as queue definition */,                                                          \
-  2 /* persistence: as queue definition */,                                                        \
+  ZKPRI_PRIORITY_AS_Q_DEF /* priority: as queue definition */,                                     \
+  ZKPER_PERSISTENCE_AS_Q_DEF /* persistence: as queue definition */,                               \
   {0} /* MsgId: none */,                                                                           \
   {0} /* CorrelId: none */,                                                                        \
   0 /* backout count */,                                                                           \
@@ -110,7 +111,7 @@ typedef ZKMD1 *PZKMD1;
   {ZK_BLANKS12},                                                                                   \
   {0} /* accounting token: none */,                                                                \
   {ZK_BLANKS32},                                                                                   \
-  0 /* put application type: no context */,                                                        \
+  ZKAT_NO_CONTEXT /* put application type: no context */,                                          \
   {ZK_BLANKS28},                                                                                   \
   {ZK_BLANKS8},                                                                                    \
   {ZK_BLANKS8},                                                                                    \
@@ -122,7 +123,7 @@ typedef ZKMD1 *PZKMD1;
    {0} /* GroupId: none */,                                                                        \
    1 /* MsgSeqNumber */,                                                                           \
    0 /* Offset */,                                                                                 \
-   0 /* MsgFlags: none */,                                                                         \
+   ZKMF_NONE /* MsgFlags: none */,                                                                 \
    -1 /* OriginalLength: undefined */}
 
 /* Initial value of ZKMD1. */
@@ -165,14 +166,14 @@ typedef ZKMDE *PZKMDE;
   {{ZKMDE_STRUC_ID_ARRAY},                                                                         \
    ZKMDE_VERSION_2,                                                                                \
    ZKMDE_LENGTH_2,                                                                                 \
-   546 /* encoding: native */,                                                                     \
-   -2 /* CCSID: inherited */,                                                                      \
+   ZKENC_NATIVE /* encoding: native */,                                                            \
+   ZKCCSI_INHERIT /* CCSID: inherited */,                                                          \
    {ZK_BLANKS8} /* format: none */,                                                                \
-   0 /* flags: none */,                                                                            \
+   ZKMDEF_NONE /* flags: none */,                                                                  \
    {0} /* GroupId: none */,                                                                        \
    1 /* MsgSeqNumber */,                                                                           \
    0 /* Offset */,                                                                                 \
-   0 /* MsgFlags: none */,                                                                         \
+   ZKMF_NONE /* MsgFlags: none */,                                                                 \
    -1 /* OriginalLength: undefined */}
 /* clang-format on */
 

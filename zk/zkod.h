@@ -4,6 +4,7 @@
 #ifndef ZK_ZKOD_H
 #define ZK_ZKOD_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -60,7 +61,7 @@ typedef PZKOD *PPZKOD;
 #define ZKOD_DEFAULT                                                                               \
   {{ZKOD_STRUC_ID_ARRAY},                                                                          \
    ZKOD_VERSION_1,                                                                                 \
-   1 /* object type: queue */,                                                                     \
+   ZKOT_Q /* object type: queue */,                                                                \
    {ZK_BLANKS48},                                                                                  \
    {ZK_BLANKS48},                                                                                  \
    {'Z', 'K', '.', '*', ZK_BLANKS44} /* dynamic queue name template */,                            \

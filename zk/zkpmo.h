@@ -3,6 +3,7 @@
 #ifndef ZK_ZKPMO_H
 #define ZK_ZKPMO_H
 
+#include "zkconst.h"
 #include "zkstruc.h"
 #include "zktypes.h"
 
@@ -54,7 +55,7 @@ typedef PZKPMO *PPZKPMO;
 #define ZKPMO_DEFAULT                                                                              \
   {{ZKPMO_STRUC_ID_ARRAY},                                                                         \
    ZKPMO_VERSION_1,                                                                                \
-   0 /* options: none */,                                                                          \
+   ZKPMO_NONE /* options: none */,                                                                 \
    -1 /* timeout */,                                                                               \
    0 /* context: no handle */,                                                                     \
    0,                                                                                              \
@@ -63,14 +64,14 @@ typedef PZKPMO *PPZKPMO;
    {ZK_BLANKS48},                                                                                  \
    {ZK_BLANKS48},                                                                                  \
    0,                                                                                              \
-   0 /* put-message record fields: none */,                                                        \
+   ZKPMRF_NONE /* put-message record fields: none */,                                              \
    0,                                                                                              \
    0,                                                                                              \
    0,                                                                                              \
    0,                                                                                              \
    0 /* original message handle: none */,                                                          \
    0 /* new message handle: none */,                                                               \
-   0 /* action: new message */,                                                                    \
+   ZKACTP_NEW /* action: new message */,                                                           \
    9 /* publication level */}
 /* clang-format on */
 

@@ -9,6 +9,7 @@
 
 #include <stddef.h>
 
+#include "zkconst.h"
 #include "zktypes.h"
 
 /* Compile-time layout check of a lower structure version: the first field
@@ -39,9 +40,9 @@
 #define ZK_BLANKS256 ZK_BLANKS128, ZK_BLANKS128
 #define ZK_BLANKS264 ZK_BLANKS256, ZK_BLANKS8
 
-/* Initial value of a ZKCHARV: no string, CCSID of the application (-3). */
+/* Initial value of a ZKCHARV: no string, CCSID of the application. */
 #define ZKCHARV_DEFAULT                                                                            \
-  { 0, 0, 0, 0, -3 }
+  { 0, 0, 0, 0, ZKCCSI_APPL }
 
 /* Lengths of the fixed-width fields of the platform's structures. */
 #define ZK_ACCOUNTING_TOKEN_LENGTH 32

@@ -6,6 +6,7 @@
 #ifndef ZK_ZKSUB_H
 #define ZK_ZKSUB_H
 
+#include "zkconst.h"
 #include "zkgmo.h"
 #include "zkmd.h"
 #include "zkstruc.h"
@@ -53,16 +54,16 @@ typedef PZKSD *PPZKSD;
 #define ZKSD_DEFAULT                                                                               \
   {{ZKSD_STRUC_ID_ARRAY},                                                                          \
    ZKSD_VERSION_1,                                                                                 \
-   0 /* options: none */,                                                                          \
+   ZKSO_NONE /* options: none */,                                                                  \
    {ZK_BLANKS48},                                                                                  \
    {ZK_BLANKS12},                                                                                  \
    {0} /* alternate security id: none */,                                                          \
-   -1 /* expiry: unlimited */,                                                                     \
+   ZKEI_UNLIMITED /* expiry: unlimited */,                                                         \
    ZKCHARV_DEFAULT,                                                                                \
    ZKCHARV_DEFAULT,                                                                                \
    ZKCHARV_DEFAULT,                                                                                \
    {0} /* correlation id: none */,                                                                 \
-   -1 /* publication priority: as queue definition */,                                             \
+   ZKPRI_PRIORITY_AS_Q_DEF /* publication priority: as queue definition */,                        \
    {0} /* accounting token: none */,                                                               \
    {ZK_BLANKS32},                                                                                  \
    ZKCHARV_DEFAULT,                                                                                \
@@ -94,7 +95,7 @@ typedef PZKSRO *PPZKSRO;
 
 /* Initial value of ZKSRO: the platform default. */
 #define ZKSRO_DEFAULT                                                                              \
-  { {ZKSRO_STRUC_ID_ARRAY}, ZKSRO_VERSION_1, 0 /* options: none */, 0 }
+  { {ZKSRO_STRUC_ID_ARRAY}, ZKSRO_VERSION_1, ZKSRO_NONE /* options: none */, 0 }
 
 ZK_CHECK_SIZE(ZKSRO, ZKSRO_LENGTH_1);
 
@@ -135,12 +136,12 @@ typedef PZKSTS *PPZKSTS;
 #define ZKSTS_DEFAULT                                                                              \
   {{ZKSTS_STRUC_ID_ARRAY},                                                                         \
    ZKSTS_VERSION_1,                                                                                \
-   0 /* completion code: OK */,                                                                    \
-   0 /* reason: none */,                                                                           \
+   ZKCC_OK /* completion code: OK */,                                                              \
+   ZKRC_NONE /* reason: none */,                                                                   \
    0,                                                                                              \
    0,                                                                                              \
    0,                                                                                              \
-   1 /* object type: queue */,                                                                     \
+   ZKOT_Q /* object type: queue */,                                                                \
    {ZK_BLANKS48},                                                                                  \
    {ZK_BLANKS48},                                                                                  \
    {ZK_BLANKS48},                                                                                  \
@@ -148,7 +149,7 @@ typedef PZKSTS *PPZKSTS;
    ZKCHARV_DEFAULT,                                                                                \
    ZKCHARV_DEFAULT,                                                                                \
    0 /* open options: none */,                                                                     \
-   0 /* subscription options: none */}
+   ZKSO_NONE /* subscription options: none */}
 /* clang-format on */
 
 ZK_CHECK_SIZE(ZKSTS, ZKSTS_LENGTH_2);
@@ -174,7 +175,7 @@ typedef PZKCTLO *PPZKCTLO;
 
 /* Initial value of ZKCTLO: the platform default. */
 #define ZKCTLO_DEFAULT                                                                             \
-  { {ZKCTLO_STRUC_ID_ARRAY}, ZKCTLO_VERSION_1, 0 /* options: none */, 0, 0 }
+  { {ZKCTLO_STRUC_ID_ARRAY}, ZKCTLO_VERSION_1, ZKCTLO_NONE /* options: none */, 0, 0 }
 
 ZK_CHECK_SIZE(ZKCTLO, ZKCTLO_LENGTH_1);
 
@@ -204,12 +205,12 @@ typedef PZKCBD *PPZKCBD;
 #define ZKCBD_DEFAULT                                                                              \
   {{ZKCBD_STRUC_ID_ARRAY},                                                                         \
    ZKCBD_VERSION_1,                                                                                \
-   1 /* type: message consumer */,                                                                 \
-   0 /* options: none */,                                                                          \
+   ZKCBT_MESSAGE_CONSUMER /* type: message consumer */,                                            \
+   ZKCBDO_NONE /* options: none */,                                                                \
    0,                                                                                              \
    0,                                                                                              \
    {ZK_BLANKS128},                                                                                 \
-   -1 /* maximum message length: as queue definition */}
+   ZKCBD_FULL_MSG_LENGTH /* maximum message length: the full message */}
 /* clang-format on */
 
 ZK_CHECK_SIZE(ZKCBD, ZKCBD_LENGTH_1);
@@ -250,15 +251,15 @@ typedef PZKCBC *PPZKCBC;
   {{ZKCBC_STRUC_ID_ARRAY},                                                                         \
    ZKCBC_VERSION_1,                                                                                \
    0 /* call type: not set */,                                                                     \
-   0 /* no object handle */,                                                                       \
+   ZKHO_NONE /* no object handle */,                                                               \
    0,                                                                                              \
    0,                                                                                              \
-   0 /* completion code: OK */,                                                                    \
-   0 /* reason: none */,                                                                           \
-   0 /* state: none */,                                                                            \
+   ZKCC_OK /* completion code: OK */,                                                              \
+   ZKRC_NONE /* reason: none */,                                                                   \
+   ZKCS_NONE /* state: none */,                                                                    \
    0,                                                                                              \
    0,                                                                                              \
-   0 /* flags: none */,                                                                            \
+   ZKCBCF_NONE /* flags: none */,                                                                  \
    0 /* reconnect delay */}
 /* clang-format on */
 

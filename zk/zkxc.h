@@ -14,26 +14,9 @@
 extern "C" {
 #endif
 
-/* Completion codes. */
-#define ZKCC_OK 0
-#define ZKCC_WARNING 1
-#define ZKCC_FAILED 2
-#define ZKCC_UNKNOWN (-1)
-
-/* Exit identifiers. */
-#define ZKXT_API_EXIT 22
-
-/* Exit responses (ZKAXP ExitResponse). */
-#define ZKXCC_OK 0
-#define ZKXCC_SUPPRESS_FUNCTION (-1)
-#define ZKXCC_SKIP_FUNCTION (-2)
-#define ZKXCC_SUPPRESS_EXIT (-5)
-#define ZKXCC_FAILED (-8)
-
-/* Secondary exit responses (ZKAXP ExitResponse2). */
-#define ZKXR2_DEFAULT_CONTINUATION 0
-#define ZKXR2_CONTINUE_CHAIN 8
-#define ZKXR2_SUPPRESS_CHAIN 16
+/* The completion codes (ZKCC_*), exit identifiers (ZKXT_*), exit responses
+ * (ZKXCC_*) and secondary exit responses (ZKXR2_*) are constant families of
+ * zk/defs, defined by zkconst.h. */
 
 /* Exit parameter structure, passed to every exit function. */
 #define ZKAXP_STRUC_ID "AXP "

@@ -11,7 +11,8 @@
  *   stop   stop registering at the first failed registration and answer
  *          FAILED, as a careful exit does
  *   dereg  deregister the BEFORE ZKDISC function again right away
- *   noterm register no TERM function
+ *   noterm register no TERM function, and link in no chain area either:
+ *          only TERM could free it
  *   badhc  first call ZKXEP with a configuration handle it made up
  *   bad    also register AFTER for the data-conversion point, which
  *          has no AFTER call
@@ -118,18 +119,20 @@ void TestEntry(PZKAXP p, PZKAXC c, PZKLONG pCompCode, PZKLONG pReason) {
   memcpy(p->ExitUserArea, kUserAreaMark, sizeof p->ExitUserArea);
 
   /* This exit's chain area goes to the end of the chain. */
-  PZKACH area = newChainArea(p);
-  if (area == NULL) {
-    return;
-  }
-  if (p->ExitChainAreaPtr == NULL) {
-    p->ExitChainAreaPtr = area;
-  } else {
-    PZKACH last = p->ExitChainAreaPtr;
-    while (last->NextChainAreaPtr != NULL) {
-      last = last->NextChainAreaPtr;
+  if (!hasWord(p, "noterm")) {
+    PZKACH area = newChainArea(p);
+    if (area == NULL) {
+      return;
     }
-    last->NextChainAreaPtr = area;
+    if (p->ExitChainAreaPtr == NULL) {
+      p->ExitChainAreaPtr = area;
+    } else {
+      PZKACH last = p->ExitChainAreaPtr;
+      while (last->NextChainAreaPtr != NULL) {
+        last = last->NextChainAreaPtr;
+      }
+      last->NextChainAreaPtr = area;
+    }
   }
 
   if (hasWord(p, "badhc")) {

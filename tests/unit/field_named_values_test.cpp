@@ -144,7 +144,7 @@ TEST_F(FieldNamedValue, BigEndianStructureHasItsIntegersReversed) {
   memcpy(&md.Priority, priority, 4);
 
   int32_t encoding = ZkStructureEncoding(&md);
-  EXPECT_EQ(encoding, ZK_ENCODING_INTEGER_NORMAL);
+  EXPECT_EQ(encoding, ZKENC_INTEGER_NORMAL);
   ShowFieldValueZklong(cb, "Version", ZklongValueRegardingEncoding(md.Version, encoding), 1);
   ShowFieldValueZklong(cb, "Expiry", ZklongValueRegardingEncoding(md.Expiry, encoding), 1);
   ShowFieldValueZklong(cb, "Priority", ZklongValueRegardingEncoding(md.Priority, encoding), 1);
@@ -159,7 +159,7 @@ TEST_F(FieldNamedValue, HostOrderStructureIsShownAsItIs) {
   md.Version = 2;
   md.Expiry = 300;
   int32_t encoding = ZkStructureEncoding(&md);
-  EXPECT_EQ(encoding, ZK_ENCODING_INTEGER_REVERSED);
+  EXPECT_EQ(encoding, ZKENC_INTEGER_REVERSED);
   EXPECT_EQ(ZklongValueRegardingEncoding(md.Version, encoding), 2);
   EXPECT_EQ(ZklongValueRegardingEncoding(md.Expiry, encoding), 300);
 }

@@ -6,6 +6,9 @@
 #undef ZK_NAMED
 #undef ZK_ALIAS
 #undef ZK_ROW
+#undef ZK_FLAG_FAMILY_BEGIN
+#undef ZK_FLAG_FAMILY_END
+#undef ZK_FLAG
 #undef ZK_STRING_FAMILY_BEGIN
 #undef ZK_STRING_FAMILY_END
 #undef ZK_STRING_CONST
