@@ -76,7 +76,8 @@ int32_t ApplyParameter(ExitControlBlock *context, const char *keyword, char *val
 }
 
 // Parses one line (cut to at most 498 characters by the reader); -1 when it
-// is bad. Comment-only and blank lines are good.
+// is bad, PARAMETER_LIST_FULL when a full list dropped it (the line then
+// starts with its keyword). Comment-only and blank lines are good.
 int32_t ParseParameterLine(ExitControlBlock *context, char *line, ParameterSettings *settings) {
   char *comment = strchr(line, '#');
   if (comment != nullptr) {
@@ -161,6 +162,7 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
   int32_t result = 0;
   int32_t lineNumber = 0;
   int32_t badLines = 0;
+  int32_t fullListLines = 0;
   char line[PARAMETER_LINE_MAX + 2];
   char lineAsRead[PARAMETER_LINE_MAX + 2];
   // A longer physical line comes in pieces of 498 characters; each piece is
@@ -168,7 +170,16 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
   while (fgets(line, PARAMETER_LINE_MAX + 1, file) != nullptr) {
     lineNumber++;
     memcpy(lineAsRead, line, strlen(line) + 1);
-    if (ParseParameterLine(context, line, settings) == 0) {
+    int32_t parsed = ParseParameterLine(context, line, settings);
+    if (parsed == 0) {
+      continue;
+    }
+    if (parsed == PARAMETER_LIST_FULL) {
+      // The parse left the keyword at the start of the line.
+      fullListLines++;
+      if (context != nullptr && fullListLines <= PARAMETER_BAD_LINES_REPORTED) {
+        PutMessage<2010>(context, 0, (const char *)line, (int32_t)PARAMETER_LIST_MAX);
+      }
       continue;
     }
     if (result == 0 && context != nullptr) {
@@ -182,6 +193,10 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
       TrimTrailingWhiteSpace(lineAsRead);
       PutMessage<2009>(context, 0, lineNumber, (const char *)lineAsRead);
     }
+  }
+  if (context != nullptr && fullListLines > PARAMETER_BAD_LINES_REPORTED) {
+    PutMessage<2012>(context, 0, fullListLines - PARAMETER_BAD_LINES_REPORTED,
+                     settings->ParameterFilePath);
   }
   if (context != nullptr && badLines > PARAMETER_BAD_LINES_REPORTED) {
     PutMessage<2011>(context, 0, badLines - PARAMETER_BAD_LINES_REPORTED,

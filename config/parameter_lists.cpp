@@ -5,7 +5,6 @@
 #include <string.h>
 
 #include "config/parameters.h"
-#include "exit/alerts.h"
 #include "text/constant_table.h"
 #include "text/string_utils.h"
 
@@ -17,15 +16,13 @@ void CopyCut(char *target, const char *value, size_t maximum) {
   memcpy(target, value, strnlen(value, maximum));
 }
 
-// 1 when the list can take another entry. A full list drops the line with
-// message 2010; that is not an error of the line.
-int32_t ListHasRoom(ExitControlBlock *context, int32_t count, const char *keyword) {
+// 1 when the list can take another entry. A full list drops the line: that
+// is not an error of the line, and the reader reports it (message 2010).
+int32_t ListHasRoom(int32_t count, int32_t *error) {
   if (count < PARAMETER_LIST_MAX) {
     return 1;
   }
-  if (context != nullptr) {
-    PutMessage<2010>(context, 0, keyword, (int32_t)PARAMETER_LIST_MAX);
-  }
+  *error = PARAMETER_LIST_FULL;
   return 0;
 }
 
@@ -65,9 +62,8 @@ int32_t ReadFunctionField(char *field, int32_t *function) {
   return 0;
 }
 
-void AppendProcessName(ExitControlBlock *context, char *value, char (*list)[32], int32_t *count,
-                       const char *keyword) {
-  if (!ListHasRoom(context, *count, keyword)) {
+void AppendProcessName(char *value, char (*list)[32], int32_t *count, int32_t *error) {
+  if (!ListHasRoom(*count, error)) {
     return;
   }
   StringTrim(value);
@@ -78,21 +74,19 @@ void AppendProcessName(ExitControlBlock *context, char *value, char (*list)[32],
 
 } // namespace
 
-void SetParmValueTargetProcess(ExitControlBlock *context, char *value, ParameterSettings *settings,
-                               int32_t *) {
-  AppendProcessName(context, value, settings->TargetProcess, &settings->TargetProcessCount,
-                    "TargetProcess");
+void SetParmValueTargetProcess(ExitControlBlock *, char *value, ParameterSettings *settings,
+                               int32_t *error) {
+  AppendProcessName(value, settings->TargetProcess, &settings->TargetProcessCount, error);
 }
 
-void SetParmValueExcludeProcess(ExitControlBlock *context, char *value, ParameterSettings *settings,
-                                int32_t *) {
-  AppendProcessName(context, value, settings->ExcludeProcess, &settings->ExcludeProcessCount,
-                    "ExcludeProcess");
+void SetParmValueExcludeProcess(ExitControlBlock *, char *value, ParameterSettings *settings,
+                                int32_t *error) {
+  AppendProcessName(value, settings->ExcludeProcess, &settings->ExcludeProcessCount, error);
 }
 
-void SetParmValueTargetQueue(ExitControlBlock *context, char *value, ParameterSettings *settings,
+void SetParmValueTargetQueue(ExitControlBlock *, char *value, ParameterSettings *settings,
                              int32_t *error) {
-  if (!ListHasRoom(context, settings->TargetQueueCount, "TargetQueue")) {
+  if (!ListHasRoom(settings->TargetQueueCount, error)) {
     return;
   }
   StringTrim(value);
@@ -142,9 +136,9 @@ void SetParmValueTargetQueue(ExitControlBlock *context, char *value, ParameterSe
   settings->TargetQueue[settings->TargetQueueCount++] = entry;
 }
 
-void SetParmValuePutAlertSuppress(ExitControlBlock *context, char *value,
+void SetParmValuePutAlertSuppress(ExitControlBlock *, char *value,
                                   ParameterSettings *settings, int32_t *error) {
-  if (!ListHasRoom(context, settings->PutAlertSuppressCount, "PutAlertSuppress")) {
+  if (!ListHasRoom(settings->PutAlertSuppressCount, error)) {
     return;
   }
   char *fields[5];
@@ -162,9 +156,9 @@ void SetParmValuePutAlertSuppress(ExitControlBlock *context, char *value,
   settings->PutAlertSuppress[settings->PutAlertSuppressCount++] = entry;
 }
 
-void SetParmValueShowSummaryDataSuppress(ExitControlBlock *context, char *value,
+void SetParmValueShowSummaryDataSuppress(ExitControlBlock *, char *value,
                                          ParameterSettings *settings, int32_t *error) {
-  if (!ListHasRoom(context, settings->ShowSummaryDataSuppressCount, "ShowSummaryDataSuppress")) {
+  if (!ListHasRoom(settings->ShowSummaryDataSuppressCount, error)) {
     return;
   }
   char *fields[4];

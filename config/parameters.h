@@ -19,6 +19,9 @@ struct ExitControlBlock;
 // Bad lines of one reading that are reported one by one; the rest are
 // counted in one closing message.
 #define PARAMETER_BAD_LINES_REPORTED 100
+// What a list setter leaves in its error when the list is full: the line
+// is dropped, but it is not a bad line.
+#define PARAMETER_LIST_FULL 1
 // Significant characters of a list entry's names and of the compress command.
 #define PARAMETER_QUEUE_NAME_MAX 48
 #define PARAMETER_PROCESS_NAME_MAX 28
@@ -169,9 +172,9 @@ void SetParmValueInt64Range(ExitControlBlock *context, const char *value, int64_
 void SetParmValueText(ExitControlBlock *context, const char *value, char *target, int32_t size,
                       int32_t *error);
 
-// List setters: each appends one entry. A full list drops the entry with
-// message 2010 (when `context` is given) and does not count as an error.
-// The value is split in place.
+// List setters: each appends one entry. A full list drops the entry and
+// sets *error to PARAMETER_LIST_FULL: the reader reports it (message 2010)
+// and does not count the line as bad. The value is split in place.
 void SetParmValueTargetProcess(ExitControlBlock *context, char *value, ParameterSettings *settings,
                                int32_t *error);
 void SetParmValueExcludeProcess(ExitControlBlock *context, char *value, ParameterSettings *settings,

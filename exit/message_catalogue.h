@@ -34,6 +34,7 @@ inline constexpr MessageCatalogueEntry MessageTableMonitorTool[] = {
     {2009, "WY", "  Line : [$1d]   Parameter : [$2s]"},
     {2010, "WY", "Too many [$1s] parameters.  Maximum count allowed is [$2d]"},
     {2011, "WY", "  [$1d] more invalid line(s) in [$2s] file are not shown."},
+    {2012, "WY", "  [$1d] more line(s) for full lists in [$2s] file are not shown."},
     {2101, "EY",
      "Path name must be specified as Data attribute of ApiExitLocal stanza in qm.ini file."},
     {3100, "WY", "Unknown API structure : [$1s] version [$2u]"},

@@ -163,6 +163,27 @@ TEST_F(ParameterMessages, FullListsWrite2010AndTheLineIsNotBad) {
   EXPECT_EQ(Messages(), expected);
 }
 
+// Lines beyond a full list are reported like bad lines: the first hundred
+// one by one (the keyword as written, blanks around it dropped), the rest
+// counted in one line.
+TEST_F(ParameterMessages, OnlyTheFirstHundredFullListLinesAreReported) {
+  std::string content;
+  for (int i = 0; i < 100; i++) {
+    content += "TargetProcess=p" + std::to_string(i) + "\n";
+  }
+  for (int i = 0; i < 350; i++) {
+    content += "  TargetProcess = extra" + std::to_string(i) + "\n";
+  }
+  EXPECT_EQ(Read(content, cb_), 0);
+  EXPECT_EQ(settings_.TargetProcessCount, 100);
+  std::vector<std::string> lines = Messages();
+  ASSERT_EQ(lines.size(), 101u);
+  EXPECT_EQ(lines[0], "Msg2010: Too many TargetProcess parameters.  Maximum count allowed is 100");
+  EXPECT_EQ(lines[99], lines[0]);
+  EXPECT_EQ(lines[100],
+            "Msg2012:   250 more line(s) for full lists in " + Path() + " file are not shown.");
+}
+
 TEST_F(ParameterMessages, MissingFileWritesNothing) {
   EXPECT_EQ(ReadParameterFile(cb_, exitData_, &settings_), 0);
   EXPECT_EQ(settings_.ParameterFilePath[0], '\0');
