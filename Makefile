@@ -29,6 +29,40 @@ test: build
 demo: build
 	@scripts/demo.sh $(BUILD)
 
+# Everything built with AddressSanitizer and UndefinedBehaviorSanitizer in
+# its own folder, and the unit and end-to-end tests run there: any report
+# fails its test.
+SAN_BUILD ?= build-san
+.PHONY: test-sanitize
+test-sanitize: deps
+	@if [ -f $(SAN_BUILD)/CMakeCache.txt ]; then \
+	  cmake -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DWZ_SANITIZE=ON >/dev/null; \
+	else \
+	  cmake -S . -B $(SAN_BUILD) -DCMAKE_TOOLCHAIN_FILE=cmake/i386.cmake \
+	    -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DWZ_SANITIZE=ON >/dev/null; \
+	fi
+	@cmake --build $(SAN_BUILD) -j$(JOBS)
+	@cd $(SAN_BUILD) && ctest --output-on-failure -j$(JOBS)
+
+# The fuzz targets (fuzz/) built with clang and libFuzzer in their own
+# folder, each run FUZZ_SECONDS seconds on its seed corpus; inputs that
+# crash are saved in fuzz/crashes/<name>/, where `make test` replays them.
+# FUZZ_TARGETS picks targets by name (default: all).
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS ?=
+.PHONY: fuzz
+fuzz:
+	@scripts/install-deps.sh fuzz
+	@if [ -f $(FUZZ_BUILD)/CMakeCache.txt ]; then \
+	  cmake -S . -B $(FUZZ_BUILD) >/dev/null; \
+	else \
+	  cmake -S . -B $(FUZZ_BUILD) -DCMAKE_TOOLCHAIN_FILE=fuzz/clang-libfuzzer.cmake \
+	    -DCMAKE_BUILD_TYPE=$(BUILD_TYPE) -DWZ_FUZZ_ENGINE=ON >/dev/null; \
+	fi
+	@cmake --build $(FUZZ_BUILD) -j$(JOBS) --target wz_fuzz_all
+	@fuzz/run.sh $(FUZZ_BUILD) $(FUZZ_SECONDS) $(FUZZ_TARGETS)
+
 format:
 	@clang-format -i $$(git ls-files '*.c' '*.cpp' '*.h')
 

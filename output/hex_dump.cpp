@@ -179,8 +179,14 @@ void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
       n = snprintf(chunk, DUMP_TITLE_SIZE, "%s:(%u=x%X bytes, Address 0x%08X)\n", title,
                    (unsigned)shownLength, (unsigned)shownLength, (unsigned)(uintptr_t)address);
     }
+    if (n >= DUMP_TITLE_SIZE) {
+      // The title was cut to fit: its line still ends, so that the first
+      // dump line starts a line of its own.
+      n = DUMP_TITLE_SIZE - 1;
+      chunk[n - 1] = '\n';
+    }
     if (n > 0) {
-      p += n < DUMP_TITLE_SIZE ? n : DUMP_TITLE_SIZE - 1;
+      p += n;
     }
   }
 

@@ -1,7 +1,14 @@
 #!/usr/bin/env bash
 # Installs what the build and the tests need, when it is missing.
 set -euo pipefail
+# g++-multilib brings gcc's 32-bit AddressSanitizer and
+# UndefinedBehaviorSanitizer runtimes as well (`make test-sanitize`).
 packages=(g++-multilib cmake make googletest binutils file gzip bc)
+# `install-deps.sh fuzz`: also what the fuzzing build needs (clang and its
+# 32-bit sanitizer and libFuzzer runtimes).
+if [ "${1:-}" = fuzz ]; then
+  packages+=(clang-14 libclang-rt-14-dev)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
