@@ -11,7 +11,8 @@
 //    list counts within 0..PARAMETER_LIST_MAX), whatever the input;
 //  - the alert lines: a reading that returns -1 reports message 2008 first
 //    and then one 2009 line per bad line, in increasing line order, at most
-//    PARAMETER_BAD_LINES_REPORTED of them, and one 2011 line for the rest;
+//    PARAMETER_BAD_LINES_REPORTED of them, and one 2011 line for the rest
+//    (lines beyond a full list likewise: 2010, then one 2012);
 //    a reading that returns 0 reports none of these. So a reading adds at
 //    most PARAMETER_BAD_LINES_REPORTED + 2 bad-line alert lines.
 #include <stdint.h>
@@ -172,12 +173,27 @@ void CheckAlerts(const std::vector<std::string> &lines, int32_t result, size_t p
   size_t reported = 0;
   long lastLine = 0;
   bool sawSummary = false;
+  size_t fullListReports = 0;
+  bool sawFullListCount = false;
   for (size_t i = 0; i < lines.size(); i++) {
     uint32_t number = MessageNumberOf(lines[i]);
-    FUZZ_CHECK(number == 2008 || number == 2009 || number == 2010 || number == 2011,
+    FUZZ_CHECK(number == 2008 || number == 2009 || number == 2010 || number == 2011 ||
+                   number == 2012,
                "unexpected alert: %s", lines[i].c_str());
+    // Lines beyond a full list are not bad lines: at most a hundred are
+    // reported, then one count of the rest.
     if (number == 2010) {
-      continue; // a full list: not a bad line
+      FUZZ_CHECK(!sawFullListCount, "2010 after the count of full-list lines");
+      fullListReports++;
+      FUZZ_CHECK(fullListReports <= PARAMETER_BAD_LINES_REPORTED, "%zu full-list lines reported",
+                 fullListReports);
+      continue;
+    }
+    if (number == 2012) {
+      FUZZ_CHECK(fullListReports == PARAMETER_BAD_LINES_REPORTED && !sawFullListCount,
+                 "2012 after %zu full-list lines", fullListReports);
+      sawFullListCount = true;
+      continue;
     }
     FUZZ_CHECK(result == -1, "a good file reported: %s", lines[i].c_str());
     FUZZ_CHECK(!sawSummary, "alert after the closing count: %s", lines[i].c_str());
