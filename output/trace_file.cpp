@@ -167,7 +167,8 @@ void WriteReopenedBlock(ExitControlBlock *cb) {
 // Renames the closed file once more with a further ".txt" and starts the
 // compress command on it in the background. 0, or -1 when the rename failed.
 int32_t CompressClosedFile(ExitControlBlock *cb, const char *closedPath) {
-  char compressPath[kPathSize];
+  // Room for the closed path (at most kPathSize - 1 characters) and ".txt".
+  char compressPath[kPathSize + 4];
   snprintf(compressPath, sizeof compressPath, "%s.txt", closedPath);
   if (rename(closedPath, compressPath) != 0) {
     PutMessage<1006>(cb, -1, closedPath, (const char *)compressPath);
