@@ -8,7 +8,8 @@
 #include "exit/control_block.h"
 #include "exit/exit_files.h"
 #include "text/name_match.h"
-#include "exit/timing.h"
+#include "output/statistics_index.h"
+#include "output/timing.h"
 #include "text/constant_table.h"
 #include "text/string_utils.h"
 
@@ -161,33 +162,6 @@ void AddMeasure(int64_t *minimum, int64_t *maximum, int64_t *total, int64_t *cou
 
 } // namespace
 
-void setTimeBeforeApiCall(ExitControlBlock *cb) {
-  gettimeofday(&cb->ApiBeforeTime, nullptr);
-}
-
-void SetTimeBeforeApiCallXa(ExitControlBlock *cb) {
-  gettimeofday(&cb->XaBeforeTime, nullptr);
-}
-
-void ReformatProcessTime(char *text, int32_t, int64_t microseconds) {
-  // The buffer size is not consulted: callers pass room for any 64-bit value.
-  FormatProcessTime(text, microseconds);
-}
-
-int64_t CalculateApiCallTimeAndShow(ExitControlBlock *cb, int32_t function,
-                                    const struct timeval *now, char *text, int64_t *elapsed) {
-  const struct timeval &start = function >= ZKXF_XACLOSE ? cb->XaBeforeTime : cb->ApiBeforeTime;
-  int64_t microseconds = ((int64_t)now->tv_sec - (int64_t)start.tv_sec) * 1000000 +
-                         ((int64_t)now->tv_usec - (int64_t)start.tv_usec);
-  if (text != nullptr) {
-    ReformatProcessTime(text, 0, microseconds);
-  }
-  if (elapsed != nullptr) {
-    *elapsed = microseconds;
-  }
-  return microseconds;
-}
-
 int32_t ClassifyCallResult(ZKLONG compCode, ZKLONG reason) {
   if (compCode == ZKCC_OK) {
     return RESULT_OK;
@@ -236,46 +210,4 @@ int32_t CalculateZkpmrUnitLength(int32_t fields) {
   length += (fields & 8) ? 4 : 0;   // feedback
   length += (fields & 16) ? 32 : 0; // accounting token
   return length;
-}
-
-namespace {
-
-// The functions with counter records, in summary order.
-constexpr int32_t kStatisticsOrder[STATISTICS_FUNCTION_COUNT] = {
-    ZKXF_CONN,     ZKXF_CONNX,     ZKXF_DISC,      ZKXF_OPEN,       ZKXF_CLOSE,   ZKXF_GET,
-    ZKXF_PUT,      ZKXF_PUT1,      ZKXF_SET,       ZKXF_INQ,        ZKXF_CMIT,    ZKXF_BACK,
-    ZKXF_BEGIN,    ZKXF_STAT,      ZKXF_SUB,       ZKXF_SUBRQ,      ZKXF_CTL,     ZKXF_CB,
-    ZKXF_CALLBACK, ZKXF_XACLOSE,   ZKXF_XACOMMIT,  ZKXF_XACOMPLETE, ZKXF_XAEND,   ZKXF_XAFORGET,
-    ZKXF_XAOPEN,   ZKXF_XAPREPARE, ZKXF_XARECOVER, ZKXF_XAROLLBACK, ZKXF_XASTART, ZKXF_AXREG,
-    ZKXF_AXUNREG};
-
-// Function codes run from 1 to ZKXF_AXUNREG: the index of every code is
-// looked up in a table made from the order above when the code is compiled,
-// as every after-call asks for it.
-#define STATISTICS_CODE_LIMIT (ZKXF_AXUNREG + 1)
-
-struct StatisticsIndexTable {
-  int8_t Index[STATISTICS_CODE_LIMIT];
-};
-
-constexpr StatisticsIndexTable MakeStatisticsIndexTable() {
-  StatisticsIndexTable table = {};
-  for (int32_t code = 0; code < STATISTICS_CODE_LIMIT; code++) {
-    table.Index[code] = -1;
-  }
-  for (int32_t i = 0; i < STATISTICS_FUNCTION_COUNT; i++) {
-    table.Index[kStatisticsOrder[i]] = (int8_t)i;
-  }
-  return table;
-}
-
-constexpr StatisticsIndexTable kStatisticsIndex = MakeStatisticsIndexTable();
-
-} // namespace
-
-int32_t StatisticsIndexOfFunction(int32_t function) {
-  if ((uint32_t)function >= (uint32_t)STATISTICS_CODE_LIMIT) {
-    return -1;
-  }
-  return kStatisticsIndex.Index[function];
 }

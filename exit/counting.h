@@ -16,17 +16,6 @@ struct CallCounterRecord;
 #define RESULT_WARNING 2
 #define RESULT_ERROR 3
 
-void setTimeBeforeApiCall(ExitControlBlock *cb);
-void SetTimeBeforeApiCallXa(ExitControlBlock *cb);
-
-// Elapsed microseconds from the call's before-time to `now`; with a text
-// buffer also its text ("%5lld.%06lld").
-int64_t CalculateApiCallTimeAndShow(ExitControlBlock *cb, int32_t function,
-                                    const struct timeval *now, char *text, int64_t *elapsed);
-
-// "%5lld.%06lld": whole seconds right-aligned in 5, then 6 digits.
-void ReformatProcessTime(char *text, int32_t size, int64_t microseconds);
-
 int32_t ClassifyCallResult(ZKLONG compCode, ZKLONG reason);
 
 void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *pCompCode,
@@ -36,6 +25,3 @@ void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *
 
 // Length of one put-message record for the given ZKPMRF_* flags.
 int32_t CalculateZkpmrUnitLength(int32_t putMsgRecFields);
-
-// Index of a function's counter records (0..30), or -1 when it has none.
-int32_t StatisticsIndexOfFunction(int32_t function);

@@ -13,7 +13,7 @@
 #include "config/update_requests.h"
 #include "exit/alerts.h"
 #include "exit/process_filter.h"
-#include "exit/timing.h"
+#include "output/timing.h"
 #include "output/record_writers.h"
 #include "output/trace_file.h"
 #include "text/constant_table.h"

@@ -7,6 +7,8 @@
 #include "output/record_writers.h"
 #include "output/summary.h"
 #include "output/trace_file.h"
+#include "output/timing.h"
+#include "output/statistics_index.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "exit/control_block.h"
 #include "exit/counting.h"
-#include "exit/timing.h"
+#include "output/timing.h"
 #include "output/record_text.h"
 #include "output/trace_file.h"
 #include "text/constant_table.h"

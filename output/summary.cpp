@@ -8,9 +8,9 @@
 #include <string.h>
 
 #include "exit/control_block.h"
-#include "exit/counting.h"
-#include "exit/timing.h"
+#include "output/timing.h"
 #include "output/trace_file.h"
+#include "output/statistics_index.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <string.h>
 
 #include "exit/control_block.h"
-#include "exit/counting.h"
 #include "output/summary.h"
 #include "output/trace_file.h"
+#include "output/timing.h"
 
 namespace {
 

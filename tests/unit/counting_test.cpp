@@ -6,6 +6,8 @@
 #include "exit/control_block.h"
 #include "exit/counting.h"
 #include "tests/unit/test_support.h"
+#include "output/timing.h"
+#include "output/statistics_index.h"
 
 namespace {
 

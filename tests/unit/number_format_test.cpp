@@ -11,7 +11,7 @@
 
 #include "exit/control_block.h"
 #include "exit/counting.h"
-#include "exit/timing.h"
+#include "output/timing.h"
 #include "format/field_primitives.h"
 
 namespace {

@@ -11,6 +11,7 @@
 #include "exit/counting.h"
 #include "output/record_writers.h"
 #include "tests/unit/trace_capture.h"
+#include "output/timing.h"
 
 namespace {
 

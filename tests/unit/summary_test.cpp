@@ -13,10 +13,11 @@
 
 #include "exit/control_block.h"
 #include "exit/counting.h"
-#include "exit/timing.h"
+#include "output/timing.h"
 #include "output/summary.h"
 #include "tests/unit/capture.h"
 #include "tests/unit/test_support.h"
+#include "output/statistics_index.h"
 
 namespace {
 

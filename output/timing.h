@@ -25,3 +25,15 @@ int32_t FormatProcessTime(char *text, int64_t microseconds);
 
 // Records the connection's start time and its text in the control block.
 void SetConnectionStartTime(ExitControlBlock *cb);
+
+// The before-time of a call (XA calls have their own).
+void setTimeBeforeApiCall(ExitControlBlock *cb);
+void SetTimeBeforeApiCallXa(ExitControlBlock *cb);
+
+// Elapsed microseconds from the call's before-time to `now`; with a text
+// buffer also its text ("%5lld.%06lld").
+int64_t CalculateApiCallTimeAndShow(ExitControlBlock *cb, int32_t function,
+                                    const struct timeval *now, char *text, int64_t *elapsed);
+
+// "%5lld.%06lld": whole seconds right-aligned in 5, then 6 digits.
+void ReformatProcessTime(char *text, int32_t size, int64_t microseconds);
