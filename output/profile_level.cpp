@@ -10,8 +10,10 @@
 namespace {
 
 // The command runs with the library search path cleared, so that the
-// application's libraries cannot disturb the platform's own command.
-#define LEVEL_COMMAND "LIBPATH= LD_LIBRARY_PATH= dspzkver 2>/dev/null"
+// application's libraries cannot disturb the platform's own command, and
+// with its input and errors on /dev/null, so that it neither reads the
+// application's input nor writes into its error output.
+#define LEVEL_COMMAND "LIBPATH= LD_LIBRARY_PATH= dspzkver </dev/null 2>/dev/null"
 // Characters of the command's output that are kept.
 #define LEVEL_OUTPUT_MAX 998
 
@@ -45,7 +47,8 @@ int32_t ParseLevelLine(ExitControlBlock *cb, char *line) {
 } // namespace
 
 int32_t SetZkLevelInfo(ExitControlBlock *cb) {
-  FILE *pipe = popen(LEVEL_COMMAND, "r");
+  // "e": the pipe is not inherited by other programs the host starts.
+  FILE *pipe = popen(LEVEL_COMMAND, "re");
   if (pipe == nullptr) {
     return RC_NOP;
   }

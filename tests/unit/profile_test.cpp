@@ -443,6 +443,31 @@ TEST(ProfilePlatformLevel, FakeCommandFillsVersionLevelAndBuildType) {
   EXPECT_STREQ(c.cb->ZkBuildType, "IKAP - (Production) []");
 }
 
+// The command must not read the application's standard input: it gets
+// /dev/null, and what the application was about to read is still there.
+TEST(ProfilePlatformLevel, CommandDoesNotReadTheApplicationsInput) {
+  CommandPath path;
+  path.Install("dspzkver", "#!/bin/sh\nread line\necho \"Version: [$line]\"\n");
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  ASSERT_EQ(write(fds[1], "application input\n", 18), 18);
+  close(fds[1]);
+  int savedInput = dup(0);
+  ASSERT_GE(savedInput, 0);
+  dup2(fds[0], 0);
+  close(fds[0]);
+  ProfileCapture c;
+  int32_t rc = SetZkLevelInfo(c.cb);
+  char left[32] = {};
+  ssize_t n = read(0, left, sizeof left - 1);
+  dup2(savedInput, 0);
+  close(savedInput);
+  EXPECT_EQ(rc, RC_OK);
+  EXPECT_STREQ(c.cb->ZkVersion, "[]");
+  EXPECT_EQ(n, 18);
+  EXPECT_STREQ(left, "application input\n");
+}
+
 TEST(ProfilePlatformLevel, TheLevelIsAskedForOncePerControlBlock) {
   CommandPath path;
   path.Install("dspzkver", kFakeLevelCommand);
