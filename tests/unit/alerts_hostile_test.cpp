@@ -16,6 +16,7 @@
 #include "exit/alerts.h"
 #include "exit/control_block.h"
 #include "exit/message_tables.h"
+#include "tests/unit/alerts_fixture.h"
 #include "tests/unit/test_support.h"
 
 namespace {
@@ -35,19 +36,7 @@ static_assert(!MessageTemplateAccepts(SearchMessageTemplateConst(2101), "s"));
 static_assert(SearchMessageTemplateConst(4711) == nullptr);
 static_assert(!MessageTemplateAccepts(nullptr, ""));
 
-struct AlertsHostile : ::testing::Test {
-  TempDir dir;
-  ExitControlBlock *cb = nullptr;
-  void SetUp() override {
-    cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s/", dir.Path().c_str());
-    strcpy(cb->ProcessName, "payroll");
-    cb->ProcessId = 77;
-    cb->ThreadId = 88;
-  }
-  void TearDown() override { free(cb); }
-  std::string ErrorFile() { return dir.Read("wz_apiexit_error_77_88.txt"); }
-};
+struct AlertsHostile : AlertsTest {};
 
 std::string Fill(const char *messageTemplate, const AlertArgument *arguments, int32_t count,
                  int32_t size = 512) {

@@ -13,25 +13,12 @@
 #include "exit/commands.h"
 #include "exit/control_block.h"
 #include "exit/message_tables.h"
+#include "tests/unit/alerts_fixture.h"
 #include "tests/unit/test_support.h"
 
 namespace {
 
 const char *kStamp = R"(\d{4}/\d\d/\d\d \d\d:\d\d:\d\d\.\d{6})";
-
-struct AlertsTest : ::testing::Test {
-  TempDir dir;
-  ExitControlBlock *cb = nullptr;
-  void SetUp() override {
-    cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s/", dir.Path().c_str());
-    strcpy(cb->ProcessName, "payroll");
-    cb->ProcessId = 77;
-    cb->ThreadId = 88;
-  }
-  void TearDown() override { free(cb); }
-  std::string ErrorFile() { return dir.Read("wz_apiexit_error_77_88.txt"); }
-};
 
 } // namespace
 

@@ -15,33 +15,22 @@
 #include "exit/control_block.h"
 #include "exit/startup.h"
 #include "handlers/handlers.h"
+#include "tests/unit/startup_fixture.h"
 #include "tests/unit/test_support.h"
 
 namespace {
 
-struct StartupHostile : ::testing::Test {
-  TempDir dir;
+struct StartupHostile : StartupTest {
   void SetUp() override {
-    gTestXep.Reset();
+    StartupTest::SetUp();
     // A connection that blocks fails the test instead of hanging the run.
     alarm(20);
   }
   void TearDown() override {
     alarm(0);
-    gTestXep.Reset();
+    StartupTest::TearDown();
   }
-  TestConnection Connect() {
-    TestConnection c(dir.Path(), "payroll", 2);
-    wzEntry(&c.Axp, &c.Axc, &c.CompCode, &c.Reason);
-    return c;
-  }
-  void Disconnect(TestConnection &c) {
-    if (c.Axp.ExitChainAreaPtr != nullptr) {
-      c.Axp.ExitReason = ZKXR_CONNECTION;
-      c.Axp.Function = ZKXF_TERM;
-      Terminate(&c.Axp, &c.Axc, &c.CompCode, &c.Reason);
-    }
-  }
+  TestConnection Connect() { return StartupTest::Connect("payroll"); }
   // The settings the connection runs with: the defaults unless the file
   // was read.
   void ExpectDefaults(TestConnection &c) {

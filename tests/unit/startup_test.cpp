@@ -8,41 +8,12 @@
 
 #include "exit/control_block.h"
 #include "exit/startup.h"
+#include "tests/unit/startup_fixture.h"
 #include "tests/unit/test_support.h"
 
-extern "C" void wzEntry(PZKAXP, PZKAXC, PZKLONG, PZKLONG);
 extern "C" void wzEntryDebug(PZKAXP, PZKAXC, PZKLONG, PZKLONG);
-extern "C" void Terminate(PZKAXP, PZKAXC, PZKLONG, PZKLONG);
 
 namespace {
-
-struct StartupTest : ::testing::Test {
-  TempDir dir;
-  void SetUp() override { gTestXep.Reset(); }
-  void TearDown() override { gTestXep.Reset(); }
-
-  // Connects, returns the connection; the control block is left in place.
-  TestConnection Connect(const std::string &applName, ZKLONG axpVersion = 2) {
-    TestConnection c(dir.Path(), applName, axpVersion);
-    wzEntry(&c.Axp, &c.Axc, &c.CompCode, &c.Reason);
-    return c;
-  }
-  void Disconnect(TestConnection &c) {
-    if (c.Axp.ExitChainAreaPtr != nullptr) {
-      c.Axp.ExitReason = ZKXR_CONNECTION;
-      c.Axp.Function = ZKXF_TERM;
-      Terminate(&c.Axp, &c.Axc, &c.CompCode, &c.Reason);
-    }
-  }
-  std::string ErrorFile() {
-    for (const std::string &name : dir.List()) {
-      if (name.rfind("wz_apiexit_error_", 0) == 0) {
-        return dir.Read(name);
-      }
-    }
-    return "";
-  }
-};
 
 // The handler name a recorded entry point resolves to.
 std::string NameOf(PZKFUNC f) {
