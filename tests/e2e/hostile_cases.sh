@@ -27,50 +27,18 @@ case_name=${1:?case}
 ZKQM=${2:?path of zkqm}
 WZLIB=${3:?path of libwz.so}
 HERE=$(cd "$(dirname "$0")" && pwd)
-SCN=$HERE/scenarios
-MASK=$HERE/mask_trace.sh
+# shellcheck source=tests/e2e/e2e_lib.sh
+source "$HERE/e2e_lib.sh"
 
-WORK=$(mktemp -d /tmp/hostile.XXXXXX)
-cleanup() {
-  chmod -R u+rwx "$WORK" 2>/dev/null
-  rm -rf "$WORK"
-}
-trap cleanup EXIT
-cd "$WORK" || exit 1
+work_dir /tmp/hostile.XXXXXX
 DATA=$WORK/d
 RUN=$WORK/run
 OUTSIDE=$WORK/outside
 mkdir -p "$DATA" "$RUN" "$OUTSIDE"
 
-fail() {
-  echo "FAIL [$case_name]: $*" >&2
-  exit 1
-}
-
-skip() {
-  echo "SKIP [$case_name]: $*" >&2
-  exit 77
-}
-
-[ -f "$WZLIB" ] || fail "the exit library $WZLIB has not been built"
-
-# wz_def LINE...: the data directory's wz.def with these lines.
-wz_def() {
-  printf '%s\n' "$@" >"$DATA/wz.def"
-}
-
+need_wz
 # qm.ini with one ApiExitLocal stanza for the exit.
-{
-  echo "ApiExitLocal:"
-  echo "   Name=wz"
-  echo "   Function=wzEntry"
-  echo "   Module=$WZLIB"
-  echo "   Data=$DATA"
-  echo "   Sequence=1"
-} >"$WORK/qm.ini"
-
-# The environment zkqm runs in: nothing but a path and the C locale.
-RUN_ENV=(env -i PATH=/usr/bin:/bin LC_ALL=C)
+ini
 
 # Words put in front of the command that runs zkqm (setarch). They must
 # exec zkqm in their own process, for $PID to be zkqm's process id.
@@ -78,16 +46,6 @@ PREFIX=()
 
 # How long a run of zkqm may take before it is killed, in seconds.
 LIMIT=60
-
-# scenario_path SCENARIO: a file written by the case (in the work
-# directory), or a name in scenarios/; as an absolute path, since zkqm runs
-# in $RUN.
-scenario_path() {
-  case $1 in
-  /*) echo "$1" ;;
-  *) if [ -f "$WORK/$1" ]; then echo "$WORK/$1"; else echo "$SCN/$1"; fi ;;
-  esac
-}
 
 # run_zkqm SCENARIO [HOOK]: runs zkqm in $RUN on the scenario with the exit;
 # log in out.log, standard error in err.txt, exit status in $status (137
@@ -116,14 +74,6 @@ run_zkqm() {
   status=$?
   ELAPSED_MS=$((($(date +%s%N) - started) / 1000000))
   [ "$status" -ne 125 ] || fail "could not prepare the run: $(cat "$WORK/err.txt")"
-}
-
-# run_plain SCENARIO: the same without exits, log in plain.log.
-run_plain() {
-  local scn
-  scn=$(scenario_path "$1")
-  (cd "$RUN" && exec "${RUN_ENV[@]}" "$ZKQM" --no-exit --scenario "$scn") >"$WORK/plain.log" 2>"$WORK/plain.err"
-  [ $? -eq 0 ] || { cat "$WORK/plain.log" "$WORK/plain.err" >&2; fail "zkqm without exits failed on $1"; }
 }
 
 # host_survived: zkqm ended normally, and its parameter check found no
@@ -156,44 +106,6 @@ quiet_stderr() {
 host_unharmed() {
   host_survived
   quiet_stderr
-}
-
-# What the application sees: the log without the lines only exits make.
-application_view() {
-  grep -vE '^exits?[ :]|^[^ ]+ (INIT|TERM) |^[^ ]+ register |^[^ ]+   (BEFORE|AFTER) |^[^ ]+ registrations: ' "$1"
-}
-
-# same_calls SCENARIO: the calls returned with the exit exactly what they
-# return without it.
-same_calls() {
-  run_plain "$1"
-  application_view "$WORK/out.log" >"$WORK/app.log"
-  application_view "$WORK/plain.log" >"$WORK/want.log"
-  diff -u "$WORK/want.log" "$WORK/app.log" >&2 || fail "with the exit the calls returned something else than without"
-}
-
-contains() {
-  grep -qF -- "$2" "$1" || {
-    cat "$1" >&2
-    fail "$1 lacks: $2"
-  }
-}
-
-lacks() {
-  if grep -qF -- "$2" "$1"; then
-    cat "$1" >&2
-    fail "$1 should not hold: $2"
-  fi
-}
-
-count_of() {
-  grep -cF -- "$2" "$1"
-}
-
-# masked FILE: the file with times, process and thread ids and the work
-# directory masked.
-masked() {
-  bash "$MASK" "$1" "$WORK=<WORK>"
 }
 
 # keep_copy FILE: remembers the file's bytes; untouched FILE compares.
@@ -231,12 +143,7 @@ no_error_files() {
 
 # the_error_file DIR: the path of the one error file in DIR.
 the_error_file() {
-  local files=() f
-  for f in "$1"/wz_apiexit_error_*; do
-    [ -e "$f" ] && files+=("$f")
-  done
-  [ ${#files[@]} -eq 1 ] || fail "expected one error file in $1, found ${#files[@]}: $(ls "$1")"
-  echo "${files[0]}"
+  one_file 'wz_apiexit_error_*' "$1"
 }
 
 # process_name APPL: the program name the exit derives from an application
@@ -277,57 +184,14 @@ trace_stem() {
   return 1
 }
 
-# check_sequence FILE...: the call records of the files, in the order given,
-# are numbered 1, 2, 3 ... with no gap and no repeat, and each before-record
-# is followed by its after-record in the same file. Prints the last number.
-check_sequence() {
-  awk '
-    FNR == 1 { if (open != "") { bad = bad "\n" prev ": the record of " open " has no after-record in this file"; open = "" } }
-    /^\|--- Seq # : [0-9]+ -+$/ {
-      n = $5 + 0
-      if (n != last + 1) bad = bad "\n" FILENAME ":" FNR ": number " n " after " last
-      last = n
-      want_before = 1
-      prev = FILENAME
-      next
-    }
-    /^</ { fn = substr($0, 2); next }
-    /^\(BEFORE$/ {
-      if (fn == "DATA_CONV_ON_GET") next
-      if (!want_before) bad = bad "\n" FILENAME ":" FNR ": before-record of " fn " without a number"
-      if (open != "") bad = bad "\n" FILENAME ":" FNR ": " fn " begins before " open " has ended"
-      open = fn
-      want_before = 0
-      next
-    }
-    /^\(AFTER$/ {
-      if (fn != open) bad = bad "\n" FILENAME ":" FNR ": after-record of " fn " while " open " is open"
-      open = ""
-      next
-    }
-    END {
-      if (open != "") bad = bad "\n" prev ": the record of " open " has no after-record"
-      if (last == 0) bad = bad "\nno numbered record at all"
-      if (bad != "") { print substr(bad, 2) > "/dev/stderr"; exit 1 }
-      print last
-    }' "$@"
-}
-
-# last_total FILE: the Total count of the last call summary in the file.
-last_total() {
-  awk '/^\|Call summary/ { inside = 1 } /^\|Split summary/ { inside = 0 } inside && $2 == "Total" { t = $7 } END { print t + 0 }' "$1"
-}
-
 # traced_calls APPL THREAD CALLS: the connection has one closed trace file,
 # 001, whose records are numbered 1 to CALLS and whose summary counts them.
 traced_calls() {
-  local stem f last
+  local stem f
   stem=$(trace_stem "$1" "$2") || fail "the connection of '$1' (thread $2) has no trace file"
   f=$DATA/${stem}001.txt
   [ -f "$f" ] || fail "no closed trace file ${stem}001.txt: $(ls -b "$DATA")"
-  last=$(check_sequence "$f") || fail "the records of $f are not numbered 1, 2, 3 ..."
-  [ "$last" -eq "$3" ] || fail "$f has $last numbered records, not $3"
-  [ "$(last_total "$f")" -eq "$3" ] || fail "the summary of $f does not count its $3 calls"
+  traced_in_full "$f" "$3"
 }
 
 # short_scn FILE APPL [THREAD]: connect, one ZKPUT1, disconnect.
@@ -346,18 +210,6 @@ traffic_scn() {
     echo '  put c1 q text="message ${i}"'
     printf '%s\n' '  get c1 q' '}' 'close c1 q' 'disconnect c1'
   } >"$1"
-}
-
-# wait_for SECONDS COMMAND...: polls the command every tenth of a second
-# until it succeeds; 1 when it has not within the time.
-wait_for() {
-  local tenths=$(($1 * 10))
-  shift
-  while ! "$@"; do
-    tenths=$((tenths - 1))
-    [ "$tenths" -gt 0 ] || return 1
-    sleep 0.1
-  done
 }
 
 # ---- placeholders in text from outside ------------------------------------------
@@ -420,11 +272,6 @@ case_placeholders_in_process_name() {
 }
 
 # ---- the compress command -----------------------------------------------------------
-
-# A file is compressed once gzip has replaced it with its ".gz".
-gzip_done() {
-  [ -f "$1.gz" ] && [ ! -e "$1" ]
-}
 
 # injected: the files that a command smuggled in through a name would have
 # made (relative names: a program name holds no "/"), in the work
@@ -852,7 +699,4 @@ case_load_threads() {
   same_calls hostile_load.scn
 }
 
-fn="case_$case_name"
-declare -F "$fn" >/dev/null || fail "no such case"
-"$fn"
-echo "ok [$case_name]"
+run_named_case

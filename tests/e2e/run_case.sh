@@ -20,32 +20,11 @@ WZLIB=${4:?path of libwz.so}
 PROBE=${5:-}
 DSPZKVER=${6:-}
 HERE=$(cd "$(dirname "$0")" && pwd)
-SCN=$HERE/scenarios
-EXP=$HERE/expected
 BUNDLED=$(cd "$HERE/../../sim/scenarios" && pwd)
+# shellcheck source=tests/e2e/e2e_lib.sh
+source "$HERE/e2e_lib.sh"
 
-# The exit data has room for 32 characters: the work directory is short.
-WORK=$(mktemp -d /tmp/zkqmXXXXXX)
-trap 'rm -rf "$WORK"' EXIT
-cd "$WORK" || exit 1
-
-fail() {
-  echo "FAIL [$case_name]: $*" >&2
-  exit 1
-}
-
-# ini_stanza NAME FUNCTION MODULE DATA [SEQUENCE]: adds an ApiExitLocal
-# stanza to qm.ini.
-ini_stanza() {
-  {
-    echo "ApiExitLocal:"
-    echo "   Name=$1"
-    echo "   Function=$2"
-    echo "   Module=$3"
-    echo "   Data=$4"
-    [ $# -ge 5 ] && echo "   Sequence=$5"
-  } >>qm.ini
-}
+work_dir /tmp/zkqmXXXXXX
 
 # run_zkqm ARGS...: runs zkqm with the log in out.log, standard error in
 # err.txt and the exit status in $status.
@@ -54,42 +33,9 @@ run_zkqm() {
   status=$?
 }
 
-expect_status() {
-  [ "$status" -eq "$1" ] || {
-    echo "--- log:" >&2
-    cat out.log >&2
-    echo "--- stderr:" >&2
-    cat err.txt >&2
-    fail "zkqm exit status $status, expected $1"
-  }
-}
-
 # same_as EXPECTED ACTUAL: the actual file must equal the expected one.
 same_as() {
-  if [ -n "${ZKQM_BLESS:-}" ] && ! cmp -s "$EXP/$1" "$2"; then
-    cp "$2" "$EXP/$1"
-    echo "blessed expected/$1" >&2
-    return
-  fi
-  diff -u "$EXP/$1" "$2" >&2 || fail "$2 differs from expected/$1"
-}
-
-contains() {
-  grep -qF -- "$2" "$1" || {
-    cat "$1" >&2
-    fail "$1 lacks: $2"
-  }
-}
-
-lacks() {
-  if grep -qF -- "$2" "$1"; then
-    cat "$1" >&2
-    fail "$1 should not hold: $2"
-  fi
-}
-
-need_wz() {
-  [ -f "$WZLIB" ] || fail "the exit library $WZLIB has not been built"
+  same_as_expected "$1" "$2" "$2"
 }
 
 # wz_setup [wz.def lines...]: a data directory with wz.def, and qm.ini.
@@ -345,12 +291,8 @@ need_probe() {
   [ -f "$PROBE" ] || fail "the probe exit $PROBE has not been built"
 }
 
-# What the application sees: the log without the lines that only exits
-# make. An exit that only observes leaves it exactly as it is without exits.
-application_view() {
-  grep -vE '^exits?[ :]|^[^ ]+ (INIT|TERM) |^[^ ]+ register |^[^ ]+   (BEFORE|AFTER) |^[^ ]+ registrations: ' "$1"
-}
-
+# An exit that only observes leaves what the application sees exactly as
+# it is without exits.
 same_application_view() {
   application_view out.log >app.log
   application_view "$EXP/scn_$1.log" >want.log
@@ -574,7 +516,4 @@ case_dspzkver() {
   [ $? -eq 2 ] || fail "dspzkver accepted an unknown argument"
 }
 
-fn="case_$case_name"
-declare -F "$fn" >/dev/null || fail "no such case"
-"$fn"
-echo "ok [$case_name]"
+run_named_case

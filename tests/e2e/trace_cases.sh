@@ -20,102 +20,22 @@ ZKQM=${2:?path of zkqm}
 WZLIB=${3:?path of libwz.so}
 DSPZKVER=${4:?path of dspzkver}
 HERE=$(cd "$(dirname "$0")" && pwd)
-SCN=$HERE/scenarios
-EXP=$HERE/expected
-MASK=$HERE/mask_trace.sh
+# shellcheck source=tests/e2e/e2e_lib.sh
+source "$HERE/e2e_lib.sh"
 
-WORK=$(mktemp -d /tmp/wze.XXXXXX)
-cleanup() {
-  # A case may leave directories without write permission behind.
-  chmod -R u+rwx "$WORK" 2>/dev/null
-  rm -rf "$WORK"
-}
-trap cleanup EXIT
-cd "$WORK" || exit 1
+work_dir /tmp/wze.XXXXXX
 DATA=$WORK/d
 
-fail() {
-  echo "FAIL [$case_name]: $*" >&2
-  exit 1
-}
-
-skip() {
-  echo "SKIP [$case_name]: $*" >&2
-  exit 77
-}
-
-[ -f "$WZLIB" ] || fail "the exit library $WZLIB has not been built"
-
-# wz_def LINE...: the data directory with a wz.def of these lines.
-wz_def() {
-  mkdir -p "$DATA"
-  printf '%s\n' "$@" >"$DATA/wz.def"
-}
-
-# ini [DATA] [MODULE]: qm.ini with one ApiExitLocal stanza for the exit.
-ini() {
-  {
-    echo "ApiExitLocal:"
-    echo "   Name=wz"
-    echo "   Function=wzEntry"
-    echo "   Module=${2:-$WZLIB}"
-    echo "   Data=${1:-$DATA}"
-    echo "   Sequence=1"
-  } >qm.ini
-}
-
-# The environment zkqm runs in: nothing but a path and the C locale. zkqm
-# puts its own directory in front of the path.
-RUN_ENV=(env -i PATH=/usr/bin:/bin LC_ALL=C)
+need_wz
 
 # run_zkqm SCENARIO [ZKQM]: runs zkqm with qm.ini on the scenario (a name in
 # scenarios/ or a path); log in out.log, standard error in err.txt, exit
 # status in $status.
 run_zkqm() {
-  local scn=$1
-  [ -f "$scn" ] || scn=$SCN/$1
+  local scn
+  scn=$(scenario_path "$1")
   "${RUN_ENV[@]}" "${2:-$ZKQM}" --ini qm.ini --scenario "$scn" >out.log 2>err.txt
   status=$?
-}
-
-# run_plain SCENARIO: the same without exits, log in plain.log.
-run_plain() {
-  local scn=$1
-  [ -f "$scn" ] || scn=$SCN/$1
-  "${RUN_ENV[@]}" "$ZKQM" --no-exit --scenario "$scn" >plain.log 2>plain.err
-  [ $? -eq 0 ] || { cat plain.log plain.err >&2; fail "zkqm without exits failed on $1"; }
-}
-
-expect_status() {
-  [ "$status" -eq "$1" ] || {
-    echo "--- log:" >&2
-    cat out.log >&2
-    echo "--- stderr:" >&2
-    cat err.txt >&2
-    fail "zkqm exit status $status, expected $1"
-  }
-}
-
-# What the application sees: the log without the lines only exits make.
-application_view() {
-  grep -vE '^exits?[ :]|^[^ ]+ (INIT|TERM) |^[^ ]+ register |^[^ ]+   (BEFORE|AFTER) |^[^ ]+ registrations: ' "$1"
-}
-
-# same_calls SCENARIO: the calls returned with the exit exactly what they
-# return without it, and the exit changed no parameter.
-same_calls() {
-  run_plain "$1"
-  grep -q "PARAMETER CHANGED" out.log && fail "the exit changed a parameter: $(grep 'PARAMETER CHANGED' out.log | head -3)"
-  application_view out.log >app.log
-  application_view plain.log >want.log
-  diff -u want.log app.log >&2 || fail "with the exit the calls returned something else than without"
-}
-
-# masked FILE [TEXT=NAME...]: the file masked for comparison.
-masked() {
-  local file=$1
-  shift
-  bash "$MASK" "$file" "$WORK=<WORK>" "$@"
 }
 
 # same_as EXPECTED FILE [TEXT=NAME...]: the masked file equals
@@ -124,88 +44,12 @@ same_as() {
   local expected=$1 file=$2
   shift 2
   masked "$file" "$@" >"$WORK/masked.tmp"
-  if [ -n "${ZKQM_BLESS:-}" ] && ! cmp -s "$EXP/$expected" "$WORK/masked.tmp"; then
-    cp "$WORK/masked.tmp" "$EXP/$expected"
-    echo "blessed expected/$expected" >&2
-    return
-  fi
-  [ -f "$EXP/$expected" ] || fail "expected/$expected is missing"
-  diff -u "$EXP/$expected" "$WORK/masked.tmp" >&2 || fail "$file (masked) differs from expected/$expected"
-}
-
-contains() {
-  grep -qF -- "$2" "$1" || {
-    cat "$1" >&2
-    fail "$1 lacks: $2"
-  }
-}
-
-lacks() {
-  if grep -qF -- "$2" "$1"; then
-    cat "$1" >&2
-    fail "$1 should not hold: $2"
-  fi
-}
-
-# count_of FILE TEXT: how many lines of the file hold the text.
-count_of() {
-  grep -cF -- "$2" "$1"
-}
-
-# one_file PATTERN: the path of the one file in the data directory that
-# matches the pattern (a glob); fails unless there is exactly one.
-one_file() {
-  local files=()
-  local f
-  for f in "$DATA"/$1; do
-    [ -e "$f" ] && files+=("$f")
-  done
-  [ ${#files[@]} -eq 1 ] || fail "expected one file $1 in the data directory, found ${#files[@]}: $(ls "$DATA")"
-  echo "${files[0]}"
+  same_as_expected "$expected" "$WORK/masked.tmp" "$file (masked)"
 }
 
 # The stem of a trace file name: wz_<qmgr>_<program>_<pid>_<tid>_.
 stem_of() {
   basename "$1" | sed -E 's/[0-9]{3,}\.(t|txt)(\..*)?$//'
-}
-
-# check_sequence FILE...: the call records of the files, taken in the order
-# given, are numbered 1, 2, 3 ... with no gap and no repeat; no "suppressed"
-# note stands between them; every before-record of a call (data conversion
-# aside) is followed by its after-record in the same file, before the next
-# before-record. Prints the last number.
-check_sequence() {
-  awk '
-    FNR == 1 { if (open != "") { bad = bad "\n" prev ": the record of " open " has no after-record in this file"; open = "" } }
-    /^\|>-- Seq # :/ { bad = bad "\n" FILENAME ":" FNR ": " $0 }
-    /^\|--- Seq # : [0-9]+ -+$/ {
-      n = $5 + 0
-      if (n != last + 1) bad = bad "\n" FILENAME ":" FNR ": number " n " after " last
-      last = n
-      want_before = 1
-      prev = FILENAME
-      next
-    }
-    /^</ { fn = substr($0, 2); next }
-    /^\(BEFORE$/ {
-      if (fn == "DATA_CONV_ON_GET") next
-      if (!want_before) bad = bad "\n" FILENAME ":" FNR ": before-record of " fn " without a number"
-      if (open != "") bad = bad "\n" FILENAME ":" FNR ": " fn " begins before " open " has ended"
-      open = fn
-      want_before = 0
-      next
-    }
-    /^\(AFTER$/ {
-      if (fn != open) bad = bad "\n" FILENAME ":" FNR ": after-record of " fn " while " open " is open"
-      open = ""
-      next
-    }
-    END {
-      if (open != "") bad = bad "\n" prev ": the record of " open " has no after-record"
-      if (last == 0) bad = bad "\nno numbered record at all"
-      if (bad != "") { print substr(bad, 2) > "/dev/stderr"; exit 1 }
-      print last
-    }' "$@"
 }
 
 # calls_in_log LOG CONN: the calls the connection made as zkqm logged them,
@@ -261,11 +105,6 @@ case_trace_all_calls() {
   [ "$last" -eq 2 ] || fail "the ZKCONNX connection has $last numbered records, not 2"
   same_as trace_all_calls.txt "$conn"
   same_as trace_all_connx.txt "$connx"
-}
-
-# last_total FILE: the Total count of the last call summary in the file.
-last_total() {
-  awk '/^\|Call summary/ { inside = 1 } /^\|Split summary/ { inside = 0 } inside && $2 == "Total" { t = $7 } END { print t + 0 }' "$1"
 }
 
 # bytes_before_closing_summary FILE: the size of the file without the call
@@ -359,22 +198,6 @@ case_trace_reopen() {
   masked order.txt >order.masked
   diff -u want.txt order.masked >&2 || fail "banner, summaries and note stand in the wrong order"
   same_as trace_reopen.txt "$f"
-}
-
-# wait_for SECONDS COMMAND...: polls the command every tenth of a second
-# until it succeeds; fails when it has not within the time.
-wait_for() {
-  local tenths=$(($1 * 10))
-  shift
-  while ! "$@"; do
-    tenths=$((tenths - 1))
-    [ "$tenths" -gt 0 ] || return 1
-    sleep 0.1
-  done
-}
-
-gzip_done() {
-  [ -f "$1.gz" ] && [ ! -e "$1" ]
 }
 
 # CompressCommand with CompressFileSizeThreshold: a closed trace file of at
@@ -498,12 +321,10 @@ case_trace_write_failure() {
 # traced PROGRAM...: each program has one trace file with its three calls
 # (connect, put1, disconnect) numbered 1 to 3.
 traced() {
-  local p f last
+  local p f
   for p in "$@"; do
     f=$(one_file "wz_ZKQM1_${p}_*_1_001.txt")
-    last=$(check_sequence "$f") || fail "the trace of $p is not numbered 1, 2, 3"
-    [ "$last" -eq 3 ] || fail "the trace of $p has $last numbered records, not 3"
-    [ "$(last_total "$f")" -eq 3 ] || fail "the summary of $p does not count its 3 calls"
+    traced_in_full "$f" 3
   done
 }
 
@@ -872,7 +693,4 @@ LINES
   [ "$(check_sequence "$f")" -eq 3 ] || fail "without dspzkver the connection is not traced"
 }
 
-fn="case_$case_name"
-declare -F "$fn" >/dev/null || fail "no such case"
-"$fn"
-echo "ok [$case_name]"
+run_named_case
