@@ -84,6 +84,10 @@ struct ParameterSettings {
   uint8_t ShowSummaryCorrelId;
   uint8_t ShowChannelAttributes;
   uint8_t ShowXaCalls;
+  // The spare switch has no keyword, so the file never sets it. The dump
+  // reads it as "do not collapse": at 0 (always, outside tests) runs of
+  // identical dump lines are shown once with a count; a test may set it to
+  // see every line.
   uint8_t Spare;
   uint8_t WriteCache;
   uint8_t WriteStream;

@@ -78,6 +78,11 @@ struct ExitControlBlock {
   int32_t CurrentFunction;
   int32_t CurrentExitReason;
   int32_t CurrentCompCode;
+  // EXIT_TYPE_API in this library. The record writers, the summary and the
+  // error file name also keep the channel exit's forms (EXIT_TYPE_CHANNEL:
+  // exit reason and exit kind in the header, no after-record, its own error
+  // file), so that the same code serves a channel-exit build; tests set it
+  // to reach them.
   uint8_t ExitType;
   uint8_t Debug;
   uint8_t FatalError;
