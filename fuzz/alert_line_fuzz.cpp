@@ -317,14 +317,7 @@ void CheckLine(const Header &h, const ExitControlBlock *cb, const AlertArgument 
 }
 
 ExitControlBlock *Block(const Header &h) {
-  static ExitControlBlock *cb = nullptr;
-  if (cb == nullptr) {
-    cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    FUZZ_CHECK(cb != nullptr);
-    memcpy(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
-    cb->ExitType = EXIT_TYPE_API;
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s", ScratchDirectory().c_str());
-  }
+  ExitControlBlock *cb = AlertBlock();
   cb->ProcessId = h.processId;
   cb->ThreadId = h.threadId;
   if (h.flags & kFullProcessName) {

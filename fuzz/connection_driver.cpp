@@ -122,10 +122,10 @@ void ConnectionDriver::Check(const zkqm::ParamSnapshot &snapshot, const char *wh
   FUZZ_CHECK(changes.empty(), "%s: the exit changed %zu parameter(s)", what, changes.size());
 }
 
-ZKLONG ConnectionDriver::Start(PZK_INIT_EXIT entry) {
+ZKLONG ConnectionDriver::CallForConnection(ZKLONG function, PZK_INIT_EXIT entry, const char *what) {
   ZKAXP axp;
   ZKAXC axc;
-  Fill(axp, ZKXR_CONNECTION, ZKXF_INIT);
+  Fill(axp, ZKXR_CONNECTION, function);
   FillContext(axc);
   ZKLONG compCode = ZKCC_OK;
   ZKLONG reason = 0;
@@ -135,11 +135,15 @@ ZKLONG ConnectionDriver::Start(PZK_INIT_EXIT entry) {
   snapshot.addLong("CompCode", &compCode);
   snapshot.addLong("Reason", &reason);
   entry(&axp, &axc, &compCode, &reason);
-  Check(snapshot, "INIT");
+  Check(snapshot, what);
   TakeBack(axp);
-  FUZZ_CHECK(axp.ExitResponse == ZKXCC_OK || axp.ExitResponse == ZKXCC_FAILED, "INIT answered %d",
-             axp.ExitResponse);
   return axp.ExitResponse;
+}
+
+ZKLONG ConnectionDriver::Start(PZK_INIT_EXIT entry) {
+  ZKLONG response = CallForConnection(ZKXF_INIT, entry, "INIT");
+  FUZZ_CHECK(response == ZKXCC_OK || response == ZKXCC_FAILED, "INIT answered %d", response);
+  return response;
 }
 
 PZKFUNC ConnectionDriver::Find(ZKLONG exitReason, ZKLONG function) const {
@@ -187,20 +191,8 @@ bool ConnectionDriver::Terminate() {
   if (entry == nullptr) {
     return false;
   }
-  ZKAXP axp;
-  ZKAXC axc;
-  Fill(axp, ZKXR_CONNECTION, ZKXF_TERM);
-  FillContext(axc);
-  ZKLONG compCode = ZKCC_OK;
-  ZKLONG reason = 0;
-  zkqm::ParamSnapshot snapshot;
-  snapshot.addStruct("ZKAXP", &axp, zkqm::structNamed("ZKAXP"), sizeof axp, kExitOwnedAxpFields);
-  snapshot.addStruct("ZKAXC", &axc, zkqm::structNamed("ZKAXC"), sizeof axc);
-  snapshot.addLong("CompCode", &compCode);
-  snapshot.addLong("Reason", &reason);
-  reinterpret_cast<PZK_TERM_EXIT>(entry)(&axp, &axc, &compCode, &reason);
-  Check(snapshot, "TERM");
-  TakeBack(axp);
+  // The terminate function has the parameter list of the entry function.
+  CallForConnection(ZKXF_TERM, reinterpret_cast<PZK_INIT_EXIT>(entry), "TERM");
   return true;
 }
 

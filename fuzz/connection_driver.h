@@ -52,6 +52,10 @@ public:
                 PZKXEPO options, PZKLONG compCode, PZKLONG reason);
 
 private:
+  // Calls a connection-time function (INIT or TERM) with fresh exit
+  // parameters, checks what it changed and takes back what it may set;
+  // returns its exit response.
+  ZKLONG CallForConnection(ZKLONG function, PZK_INIT_EXIT entry, const char *what);
   void Fill(ZKAXP &axp, ZKLONG exitReason, ZKLONG function) const;
   void FillContext(ZKAXC &axc) const;
   void TakeBack(const ZKAXP &axp);

@@ -136,6 +136,32 @@ std::string FuzzInput::Rest() {
   return Bytes(Remaining());
 }
 
+std::vector<std::string> SplitLines(const std::string &text) {
+  std::vector<std::string> lines;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) {
+      end = text.size();
+    }
+    lines.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return lines;
+}
+
+ExitControlBlock *AlertBlock() {
+  static ExitControlBlock *cb = nullptr;
+  if (cb == nullptr) {
+    cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
+    FUZZ_CHECK(cb != nullptr);
+    memcpy(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
+    cb->ExitType = EXIT_TYPE_API;
+    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s", ScratchDirectory().c_str());
+  }
+  return cb;
+}
+
 CaptureBlock::CaptureBlock(int32_t bufferSize) {
   cb_ = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock) + (size_t)bufferSize + 1);
   FUZZ_CHECK(cb_ != nullptr);

@@ -40,6 +40,12 @@ void ClearDirectory(const std::string &directory);
 std::string ReadWholeFile(const std::string &path);
 void WriteWholeFile(const std::string &path, const void *data, size_t size);
 size_t CountLines(const std::string &text);
+// The lines of a text that ends in a line feed, without their line feeds.
+std::vector<std::string> SplitLines(const std::string &text);
+// A zero-filled control block that alert lines can be written for: its
+// trace directory is the scratch directory. Made once; the caller sets
+// process name and ids.
+ExitControlBlock *AlertBlock();
 
 // The fuzz input, read front to back. Past the end every read gives zeros
 // and Rest() gives nothing.

@@ -54,28 +54,26 @@ struct Pattern {
   int32_t length;
 };
 
+Pattern PatternOf(const CcsidRangeEntry *row) {
+  Pattern p;
+  memcpy(p.range, row->range, sizeof p.range);
+  p.length = 0;
+  while (p.length < CODE_RANGE_POSITIONS && p.range[p.length].high != 0) {
+    p.length++;
+  }
+  return p;
+}
+
 std::vector<Pattern> PatternsOf(int32_t ccsid) {
   std::vector<Pattern> patterns;
   const CcsidRangeEntry *row = CcsidRangeTable;
   for (; row->ccsid != 0; row++) {
     if (row->ccsid == ccsid && (int32_t)patterns.size() < CODE_RANGE_MAX_PATTERNS) {
-      Pattern p;
-      memcpy(p.range, row->range, sizeof p.range);
-      p.length = 0;
-      while (p.length < CODE_RANGE_POSITIONS && p.range[p.length].high != 0) {
-        p.length++;
-      }
-      patterns.push_back(p);
+      patterns.push_back(PatternOf(row));
     }
   }
   if (patterns.empty()) { // the closing row: the pattern of every other code page
-    Pattern p;
-    memcpy(p.range, row->range, sizeof p.range);
-    p.length = 0;
-    while (p.length < CODE_RANGE_POSITIONS && p.range[p.length].high != 0) {
-      p.length++;
-    }
-    patterns.push_back(p);
+    patterns.push_back(PatternOf(row));
   }
   return patterns;
 }
@@ -135,14 +133,7 @@ std::vector<std::string> LinesOf(const std::string &text, const char *what) {
   for (unsigned char c : text) {
     FUZZ_CHECK(c >= 0x20 || c == '\n', "%s: control byte 0x%02X in the text", what, c);
   }
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
+  return SplitLines(text);
 }
 
 void CheckFieldLines(const std::string &text, const char *what) {

@@ -31,17 +31,10 @@ namespace {
 // The block the reading with a context reports through: only what the
 // alert writer looks at is filled in.
 ExitControlBlock *ContextBlock() {
-  static ExitControlBlock *cb = nullptr;
-  if (cb == nullptr) {
-    cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    FUZZ_CHECK(cb != nullptr);
-    memcpy(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
-    cb->ExitType = EXIT_TYPE_API;
-    cb->ProcessId = 4711;
-    cb->ThreadId = 815;
-    strcpy(cb->ProcessName, "wzfuzz");
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s", ScratchDirectory().c_str());
-  }
+  ExitControlBlock *cb = AlertBlock();
+  cb->ProcessId = 4711;
+  cb->ThreadId = 815;
+  strcpy(cb->ProcessName, "wzfuzz");
   return cb;
 }
 
@@ -158,11 +151,8 @@ std::vector<std::string> AlertLines(const std::string &directory) {
     FUZZ_CHECK(name.rfind("wz_apiexit_error_", 0) == 0, "unexpected file %s", name.c_str());
     std::string text = ReadWholeFile(directory + name);
     FUZZ_CHECK(text.empty() || text.back() == '\n', "%s does not end in a line feed", name.c_str());
-    size_t start = 0;
-    while (start < text.size()) {
-      size_t end = text.find('\n', start);
-      lines.push_back(text.substr(start, end - start));
-      start = end + 1;
+    for (const std::string &line : SplitLines(text)) {
+      lines.push_back(line);
     }
   }
   return lines;
