@@ -178,7 +178,7 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
       // The parse left the keyword at the start of the line.
       fullListLines++;
       if (context != nullptr && fullListLines <= PARAMETER_BAD_LINES_REPORTED) {
-        PutMessage<2010>(context, 0, (const char *)line, (int32_t)PARAMETER_LIST_MAX);
+        PutMessage<2010>(context, 0, line, (int32_t)PARAMETER_LIST_MAX);
       }
       continue;
     }
@@ -191,7 +191,7 @@ int32_t ReadParameterFile(ExitControlBlock *context, const char *directory,
     // are reported, the rest counted.
     if (context != nullptr && badLines <= PARAMETER_BAD_LINES_REPORTED) {
       TrimTrailingWhiteSpace(lineAsRead);
-      PutMessage<2009>(context, 0, lineNumber, (const char *)lineAsRead);
+      PutMessage<2009>(context, 0, lineNumber, lineAsRead);
     }
   }
   if (context != nullptr && fullListLines > PARAMETER_BAD_LINES_REPORTED) {

@@ -123,7 +123,7 @@ int32_t PerformCommand(const ExitControlBlock *cb, const char *commandLine) {
   FILE *pipe = popen(commandLine, "re");
   if (pipe == nullptr) {
     snprintf(quoted, sizeof quoted, "popen \"%s\"", commandLine);
-    PutMessage<1002>(cb, -1, (const char *)quoted);
+    PutMessage<1002>(cb, -1, quoted);
     return -1;
   }
   char buffer[1000];
@@ -132,7 +132,7 @@ int32_t PerformCommand(const ExitControlBlock *cb, const char *commandLine) {
   }
   if (pclose(pipe) != 0) {
     snprintf(quoted, sizeof quoted, "pclose \"%s\"", commandLine);
-    PutMessage<1002>(cb, -1, (const char *)quoted);
+    PutMessage<1002>(cb, -1, quoted);
     return -1;
   }
   return 0;
@@ -150,7 +150,7 @@ int32_t CallReformatUtility(const ExitControlBlock *cb, const char *traceFilePat
     suffix = "64";
   } else {
     char modeText[2] = {mode, '\0'};
-    PutMessage<2>(cb, 0, "Invalid addressing mode : ", (const char *)modeText);
+    PutMessage<2>(cb, 0, "Invalid addressing mode : ", modeText);
     return -1;
   }
   size_t length = strlen(program);
@@ -163,7 +163,7 @@ int32_t CallReformatUtility(const ExitControlBlock *cb, const char *traceFilePat
       AppendPlain(command, sizeof command, " -o ") != 0 ||
       AppendShellWord(command, sizeof command, outputName) != 0 ||
       AppendPlain(command, sizeof command, " -q") != 0) {
-    PutMessage<1002>(cb, E2BIG, (const char *)command);
+    PutMessage<1002>(cb, E2BIG, command);
     return -1;
   }
   return PerformCommand(cb, command);

@@ -171,18 +171,18 @@ int32_t CompressClosedFile(ExitControlBlock *cb, const char *closedPath) {
   char compressPath[kPathSize + 4];
   snprintf(compressPath, sizeof compressPath, "%s.txt", closedPath);
   if (rename(closedPath, compressPath) != 0) {
-    PutMessage<1006>(cb, -1, closedPath, (const char *)compressPath);
+    PutMessage<1006>(cb, -1, closedPath, compressPath);
     return -1;
   }
   char command[kCommandSize];
   if (BuildCompressCommand(cb->Settings.CompressCommand, compressPath, command, sizeof command) !=
       0) {
     // A cut command line could name a wrong file: not run.
-    PutMessage<1002>(cb, E2BIG, (const char *)command);
+    PutMessage<1002>(cb, E2BIG, command);
     return 0;
   }
   if (StartBackgroundCommand(command) != 0) {
-    PutMessage<1002>(cb, -1, (const char *)command);
+    PutMessage<1002>(cb, -1, command);
   }
   return 0;
 }
