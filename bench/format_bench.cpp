@@ -2,6 +2,8 @@
 // a call, in bytes of trace text per second, next to the speed of writing
 // the same number of bytes to a file with plain write() calls.
 // Run: build/bin/wz_format_bench [seconds]
+//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 6, for counting
+//      instructions: N calls of one row, nothing timed)
 #include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -95,10 +97,29 @@ double RawWriteSeconds(const char *path, int64_t total, int32_t chunk) {
   return seconds;
 }
 
+const int32_t kBuffer = 10000; // the default WriteBufferSize
+
+int RunCounted(const char *path, long calls, long row) {
+  const long rows = (long)(sizeof kBenches / sizeof kBenches[0]);
+  if (calls < 1 || row < 1 || row > rows) {
+    fprintf(stderr, "usage: wz_format_bench --calls N ROW (ROW 1 to %ld)\n", rows);
+    return 2;
+  }
+  ExitControlBlock *cb = MakeBlock(path, kBuffer);
+  for (long i = 0; i < calls; i++) {
+    kBenches[row - 1].Run(cb);
+  }
+  FlushTraceDataInBuffer(cb);
+  printf("%s: %ld calls, %lld bytes\n", kBenches[row - 1].Name, calls,
+         (long long)cb->CurrentFileSize);
+  close(cb->FileDescriptor);
+  free(cb);
+  return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
-  double budget = argc > 1 ? atof(argv[1]) : 1.0;
   for (size_t i = 0; i < sizeof gData; i++) {
     gData[i] = (unsigned char)(i * 7 + i / 16); // no two lines alike: no collapsing
   }
@@ -106,7 +127,12 @@ int main(int argc, char **argv) {
   char path[] = "/tmp/wz-format-bench-XXXXXX";
   int tmp = mkstemp(path);
   close(tmp);
-  const int32_t kBuffer = 10000; // the default WriteBufferSize
+  if (argc > 1 && strcmp(argv[1], "--calls") == 0) {
+    int rc = RunCounted(path, argc > 2 ? atol(argv[2]) : 0, argc > 3 ? atol(argv[3]) : 0);
+    unlink(path);
+    return rc;
+  }
+  double budget = argc > 1 ? atof(argv[1]) : 1.0;
   printf("%-28s %14s %14s %14s\n", "what", "MB/s formatted", "MB/s write()", "ns/call");
   for (const Bench &bench : kBenches) {
     ExitControlBlock *cb = MakeBlock(path, kBuffer);
