@@ -8,10 +8,12 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/time.h>
 #include <time.h>
 #include <unistd.h>
 
 #include "config/parameters.h"
+#include "exit/call_records.h"
 #include "exit/control_block.h"
 #include "format/field_primitives.h"
 #include "output/record_writers.h"
@@ -77,6 +79,8 @@ ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize) {
   cb->FileDescriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
   snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path);
   FillCodeRangeMap(&cb->CodeRange, 819);
+  // The records' elapsed times count from here, as from a call's start.
+  gettimeofday(&cb->ApiBeforeTime, nullptr);
   return cb;
 }
 

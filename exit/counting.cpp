@@ -10,6 +10,7 @@
 #include "text/name_match.h"
 #include "output/statistics_index.h"
 #include "output/timing.h"
+#include "output/trace_text.h"
 #include "text/constant_table.h"
 #include "text/string_utils.h"
 
@@ -100,26 +101,33 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
     SetTimeAndShow(&now, timeText);
     stamp = timeText;
   }
-  char line[512];
-  int length = snprintf(line, sizeof line, "%s%u %s  %-8s CompCode = %u  Reason = %u (%s)",
-                        "|--- Seq # : ", cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, stamp,
-                        SearchConstantInt(function, Constant_Function), (unsigned)compCode,
-                        (unsigned)reason, SearchConstantInt(reason, Constant_Zkrc));
-  if (cb->CurrentQueueName[0] != '\0' && length > 0 && (size_t)length < sizeof line) {
-    length += snprintf(line + length, sizeof line - (size_t)length, "  Object : %s",
-                       cb->CurrentQueueName);
+  // One line of at most 511 bytes with its line feed.
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
+  TraceTextAppendLiteral(&line, "|--- Seq # : ");
+  TraceTextAppendUInt32(&line, cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, 0);
+  TraceTextAppendChar(&line, ' ');
+  TraceTextAppendString(&line, stamp);
+  TraceTextAppendLiteral(&line, "  ");
+  TraceTextAppendPadded(&line, SearchConstantInt(function, Constant_Function), 8);
+  TraceTextAppendLiteral(&line, " CompCode = ");
+  TraceTextAppendUInt32(&line, (uint32_t)compCode, 0);
+  TraceTextAppendLiteral(&line, "  Reason = ");
+  TraceTextAppendUInt32(&line, (uint32_t)reason, 0);
+  TraceTextAppendLiteral(&line, " (");
+  TraceTextAppendString(&line, SearchConstantInt(reason, Constant_Zkrc));
+  TraceTextAppendChar(&line, ')');
+  if (cb->CurrentQueueName[0] != '\0') {
+    TraceTextAppendLiteral(&line, "  Object : ");
+    TraceTextAppendString(&line, cb->CurrentQueueName);
   }
-  if (length < 0) {
-    return;
+  if (line.Length > 510) {
+    line.Length = 510;
   }
-  if ((size_t)length >= sizeof line - 1) {
-    length = (int)sizeof line - 2;
-  }
-  line[length++] = '\n';
-  line[length] = '\0';
+  TraceTextAppendChar(&line, '\n');
   // Appended whole in one write; a link or a non-file at the name loses
   // the line rather than writing through it.
-  AppendToExitFile(path, line, (size_t)length);
+  AppendToExitFile(path, line.Buffer, (size_t)line.Length);
 }
 
 // The call in a record and in its period's totals: the call count and the

@@ -4,6 +4,8 @@
 //
 // The catalogue is a compile-time table so that every raised message can be
 // checked against its template when it is compiled (see PutMessage).
+//
+// Part of the alerts hub: alerts.h includes it, so every folder may.
 #pragma once
 
 #include <stdint.h>

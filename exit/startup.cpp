@@ -12,10 +12,12 @@
 
 #include "config/update_requests.h"
 #include "exit/alerts.h"
+#include "exit/call_records.h"
 #include "exit/process_filter.h"
 #include "output/timing.h"
 #include "output/record_writers.h"
 #include "output/trace_file.h"
+#include "output/trace_text.h"
 #include "text/constant_table.h"
 #include "text/named_tables.h"
 #include "text/string_utils.h"
@@ -203,10 +205,12 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
   cb->CurrentCompCode = *pCompCode;
   PutHeaderRecord(cb, axp->Function, axp->ExitReason, *pCompCode, *pReason, nullptr, nullptr);
   if (cb->ProcessNameMatch == 0) {
-    char line[160];
-    snprintf(line, sizeof line, "Process name %s is not in target process name list.",
-             cb->ProcessName);
-    PutMsgToTrace(cb, line);
+    TraceText line;
+    TraceTextStart(&line, cb, TRACE_TEXT_CUT);
+    TraceTextAppendLiteral(&line, "Process name ");
+    TraceTextAppendBounded(&line, cb->ProcessName, (int32_t)sizeof cb->ProcessName);
+    TraceTextAppendLiteral(&line, " is not in target process name list.");
+    PutMsgToTrace(cb, TraceTextString(&line));
     CloseAndCompressFile(cb, nullptr);
   } else if (cb->ExecStatus == 0) {
     PutMsgToTrace(cb, "ExecFlag=no or ExecFlag=env is set in parameter file.");

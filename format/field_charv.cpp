@@ -4,6 +4,7 @@
 
 #include "exit/control_block.h"
 #include "format/field_primitives.h"
+#include "output/record_writers.h"
 
 namespace {
 
@@ -53,43 +54,43 @@ uint32_t CalculateZkcharvDataLength(const ZKCHARV *charv, const void *string,
 
 int32_t ShowZKCHARV(ExitControlBlock *cb, const char *name, const ZKCHARV *charv,
                     const void *structure, const void *string) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
-  TraceLineAppendFieldName(&line, name);
-  TraceLineAppendChar(&line, '\n');
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendFieldName(&line, name);
+  TraceTextAppendChar(&line, '\n');
   if (IsNullOrAllOnes(charv)) {
-    return TraceLineWrite(&line); // nothing to read the fields from
+    return TraceTextWrite(&line); // nothing to read the fields from
   }
 
-  TraceLineAppendFieldName(&line, "  VSPtr");
+  TraceTextAppendFieldName(&line, "  VSPtr");
   if (charv->VSPtr == nullptr) {
-    TraceLineAppend(&line, "(null)", 6);
+    TraceTextAppend(&line, "(null)", 6);
   } else {
-    TraceLineAppend(&line, "0x", 2);
-    TraceLineAppendHex32(&line, (uint32_t)(uintptr_t)charv->VSPtr);
+    TraceTextAppend(&line, "0x", 2);
+    TraceTextAppendHex32(&line, (uint32_t)(uintptr_t)charv->VSPtr);
   }
-  TraceLineAppendChar(&line, '\n');
-  TraceLineAppendFieldName(&line, "  VSOffset");
-  TraceLineAppendInt32(&line, charv->VSOffset, 0);
-  TraceLineAppendChar(&line, '\n');
-  TraceLineAppendFieldName(&line, "  VSBufSize");
+  TraceTextAppendChar(&line, '\n');
+  TraceTextAppendFieldName(&line, "  VSOffset");
+  TraceTextAppendInt32(&line, charv->VSOffset, 0);
+  TraceTextAppendChar(&line, '\n');
+  TraceTextAppendFieldName(&line, "  VSBufSize");
   if (charv->VSBufSize == 0) {
-    TraceLineAppend(&line, "(use VSLength)", 14);
+    TraceTextAppend(&line, "(use VSLength)", 14);
   } else {
-    TraceLineAppendInt32(&line, charv->VSBufSize, 0);
+    TraceTextAppendInt32(&line, charv->VSBufSize, 0);
   }
-  TraceLineAppendChar(&line, '\n');
+  TraceTextAppendChar(&line, '\n');
   if (charv->VSLength == -1) {
     // The null-terminated length is written without the two leading blanks
     // of the block's other lines: its name stands at the margin.
-    TraceLineAppendFieldName(&line, "VSLength");
-    TraceLineAppend(&line, "(null terminate)", 16);
+    TraceTextAppendFieldName(&line, "VSLength");
+    TraceTextAppend(&line, "(null terminate)", 16);
   } else {
-    TraceLineAppendFieldName(&line, "  VSLength");
-    TraceLineAppendInt32(&line, charv->VSLength, 0);
+    TraceTextAppendFieldName(&line, "  VSLength");
+    TraceTextAppendInt32(&line, charv->VSLength, 0);
   }
-  TraceLineAppendChar(&line, '\n');
-  TraceLineWrite(&line);
+  TraceTextAppendChar(&line, '\n');
+  TraceTextWrite(&line);
   int32_t rc = ShowParsedCommonCcsid(cb, "  VSCCSID", charv->VSCCSID, 0);
 
   // Lengths are signed counts in the descriptor; a negative one shows nothing.
@@ -102,21 +103,48 @@ int32_t ShowZKCHARV(ExitControlBlock *cb, const char *name, const ZKCHARV *charv
     return ShowFieldValueStringFixed(cb, "  Value (in string)", text, length);
   }
 
-  TraceLineStart(&line, cb);
-  TraceLineAppendFieldName(&line, "  Value (in string)");
-  TraceLineAppendChar(&line, '\n');
-  TraceLineWrite(&line);
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendFieldName(&line, "  Value (in string)");
+  TraceTextAppendChar(&line, '\n');
+  TraceTextWrite(&line);
   int32_t limit = cb->Settings.ShowMaxLenCharvString;
   bool cut = limit >= 0 && length > limit;
   rc = ShowTextStringDataRegardingMaximumLrecl(cb, text, cut ? limit : length, 4);
   if (cut) {
-    TraceLineStart(&line, cb);
-    TraceLineAppendText(&line, "|> "
-                               "   "
-                               "  (Shown only leading ");
-    TraceLineAppendUInt32(&line, (uint32_t)limit, 0);
-    TraceLineAppend(&line, " byte(s) ...)\n", 14);
-    rc = TraceLineWrite(&line);
+    TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
+    TraceTextAppendString(&line, "|> "
+                                 "   "
+                                 "  (Shown only leading ");
+    TraceTextAppendUInt32(&line, (uint32_t)limit, 0);
+    TraceTextAppend(&line, " byte(s) ...)\n", 14);
+    rc = TraceTextWrite(&line);
   }
   return rc;
+}
+
+void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
+                     const void *base) {
+  if (charv == nullptr || (uintptr_t)charv == (uintptr_t)-1) {
+    PutHexDataLen(cb, title, nullptr, 0, HEX_MODE_PLAIN, 0);
+    return;
+  }
+  // The string through the descriptor: its pointer, else its offset from
+  // the holding structure; the length as the parsed display counts it.
+  const void *data = ZkcharvStringAddress(charv, nullptr, base);
+  int32_t length = (int32_t)CalculateZkcharvDataLength(charv, nullptr, base);
+  if (length < 0) {
+    length = 0; // a negative size or length shows no data
+  }
+  int32_t limit = cb->Settings.ShowMaxLenCharv;
+  if (limit >= 0 && length > limit) {
+    PutHexDataLen(cb, title, data, limit, HEX_MODE_PLAIN, length);
+    TraceText note;
+    TraceTextStart(&note, cb, TRACE_TEXT_WRITE_OUT);
+    TraceTextAppendLiteral(&note, "  (Shown only leading ");
+    TraceTextAppendUInt32(&note, (uint32_t)limit, 0);
+    TraceTextAppendLiteral(&note, " byte(s) ...)\n");
+    TraceTextWrite(&note);
+    return;
+  }
+  PutHexDataLen(cb, title, data, length, HEX_MODE_PLAIN, length);
 }

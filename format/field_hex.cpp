@@ -23,7 +23,7 @@ bool AllZero(const unsigned char *bytes, int32_t length) {
 // the new byte the sequence is a character. A byte that no pattern accepts
 // turns the pending bytes and itself into dots, and so do bytes still
 // pending at the end.
-void AppendCharacterImage(TraceLine *line, const CodeRangeMap *map, const unsigned char *bytes,
+void AppendCharacterImage(TraceText *line, const CodeRangeMap *map, const unsigned char *bytes,
                           int32_t length) {
   unsigned char pending[CODE_RANGE_POSITIONS];
   int32_t pendingCount = 0;
@@ -31,33 +31,33 @@ void AppendCharacterImage(TraceLine *line, const CodeRangeMap *map, const unsign
     unsigned char byte = bytes[i];
     int32_t step = CodeRangeStep(map, pending, pendingCount, byte);
     if (step == CODE_RANGE_REJECTED) {
-      TraceLineAppendRepeat(line, '.', pendingCount + 1);
+      TraceTextAppendRepeat(line, '.', pendingCount + 1);
       pendingCount = 0;
       continue;
     }
     pending[pendingCount++] = byte;
     if (step == CODE_RANGE_COMPLETE) {
-      TraceLineAppend(line, (const char *)pending, pendingCount);
+      TraceTextAppend(line, (const char *)pending, pendingCount);
       pendingCount = 0;
     }
   }
-  TraceLineAppendRepeat(line, '.', pendingCount);
+  TraceTextAppendRepeat(line, '.', pendingCount);
 }
 
 // Starts the line of a byte field with its name; the bytes are none when
 // there is no address or a negative length. With the null check, a field
 // that is empty or all zero is written as "(null)" and true comes back,
 // with what writing returned in *written.
-bool StartByteField(TraceLine *line, ExitControlBlock *cb, const char *name,
+bool StartByteField(TraceText *line, ExitControlBlock *cb, const char *name,
                     const unsigned char *data, int32_t *length, uint8_t nullCheck,
                     int32_t *written) {
   if (data == nullptr || *length < 0) {
     *length = 0;
   }
-  TraceLineStartField(line, cb, name);
+  TraceTextStartField(line, cb, name);
   if (nullCheck != 0 && (*length < 1 || AllZero(data, *length))) {
-    TraceLineAppend(line, "(null)\n", 7);
-    *written = TraceLineWrite(line);
+    TraceTextAppend(line, "(null)\n", 7);
+    *written = TraceTextWrite(line);
     return true;
   }
   return false;
@@ -69,7 +69,7 @@ int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, con
                                      int32_t length, uint8_t nullCheck, uint8_t hex,
                                      uint8_t endOfLine) {
   const unsigned char *data = (const unsigned char *)bytes;
-  TraceLine line;
+  TraceText line;
   int32_t written = 0;
   if (StartByteField(&line, cb, name, data, &length, nullCheck, &written)) {
     return written;
@@ -77,31 +77,31 @@ int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, con
   if (hex != 0) {
     for (int32_t i = 0; i < length; i++) {
       if (i > 0 && (i & 3) == 0) {
-        TraceLineAppendChar(&line, ' ');
+        TraceTextAppendChar(&line, ' ');
       }
-      TraceLineAppend(&line, FieldHexPair(data[i]), 2);
+      TraceTextAppend(&line, HexDigitPair(data[i]), 2);
     }
-    TraceLineAppend(&line, "  ", 2);
+    TraceTextAppend(&line, "  ", 2);
   }
-  TraceLineAppendChar(&line, '[');
+  TraceTextAppendChar(&line, '[');
   AppendCharacterImage(&line, &cb->CodeRange, data, length);
-  TraceLineAppendChar(&line, ']');
+  TraceTextAppendChar(&line, ']');
   if (endOfLine != 0) {
-    TraceLineAppendChar(&line, '\n');
+    TraceTextAppendChar(&line, '\n');
   }
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowParsedHexValueMultipleLines(ExitControlBlock *cb, const char *name, const void *bytes,
                                         int32_t length, uint8_t nullCheck) {
   const unsigned char *data = (const unsigned char *)bytes;
-  TraceLine line;
+  TraceText line;
   int32_t written = 0;
   if (StartByteField(&line, cb, name, data, &length, nullCheck, &written)) {
     return written;
   }
-  TraceLineAppendChar(&line, '\n');
-  int32_t rc = TraceLineWrite(&line);
+  TraceTextAppendChar(&line, '\n');
+  int32_t rc = TraceTextWrite(&line);
   // No title: the field line above names the bytes.
   PutHexData(cb, "", data, length, HEX_MODE_PREFIXED);
   return rc;

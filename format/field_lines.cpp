@@ -10,49 +10,49 @@ namespace {
 // "|> --- MD version 2-----------".
 constexpr int32_t kVersionLineWidth = 30;
 
-void AppendHexOrNull(TraceLine *line, uint32_t value, uint8_t nullFlag) {
+void AppendHexOrNull(TraceText *line, uint32_t value, uint8_t nullFlag) {
   if (value == 0 && nullFlag != 0) {
-    TraceLineAppend(line, "(null)", 6);
+    TraceTextAppend(line, "(null)", 6);
     return;
   }
-  TraceLineAppend(line, "0x", 2);
-  TraceLineAppendHex32(line, value);
+  TraceTextAppend(line, "0x", 2);
+  TraceTextAppendHex32(line, value);
 }
 
 // An integer field right-aligned in `width` columns (0: no padding).
 int32_t ShowInt32Field(ExitControlBlock *cb, const char *name, int32_t value, int32_t width,
                        uint8_t endOfLine) {
-  TraceLine line;
-  TraceLineStartField(&line, cb, name);
-  TraceLineAppendInt32(&line, value, width);
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendInt32(&line, value, width);
   if (endOfLine != 0) {
-    TraceLineAppendChar(&line, '\n');
+    TraceTextAppendChar(&line, '\n');
   }
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }
 
 } // namespace
 
 int32_t ShowFieldName(ExitControlBlock *cb, const char *name) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
-  TraceLineAppendFieldName(&line, name);
-  return TraceLineWrite(&line);
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendFieldName(&line, name);
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowDataVersion(ExitControlBlock *cb, const char *structureName, int32_t version) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
-  TraceLineAppend(&line, "|> --- ", 7);
-  TraceLineAppendText(&line, structureName);
-  TraceLineAppend(&line, " version ", 9);
-  TraceLineAppendInt32(&line, version, 0);
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppend(&line, "|> --- ", 7);
+  TraceTextAppendString(&line, structureName);
+  TraceTextAppend(&line, " version ", 9);
+  TraceTextAppendInt32(&line, version, 0);
   // Names are short, so the line is still in the buffer and its length known.
-  if (line.used < kVersionLineWidth) {
-    TraceLineAppendRepeat(&line, '-', kVersionLineWidth - line.used);
+  if (line.Length < kVersionLineWidth) {
+    TraceTextAppendRepeat(&line, '-', kVersionLineWidth - line.Length);
   }
-  TraceLineAppendChar(&line, '\n');
-  return TraceLineWrite(&line);
+  TraceTextAppendChar(&line, '\n');
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowFieldValueZklong(ExitControlBlock *cb, const char *name, int32_t value,
@@ -67,16 +67,16 @@ int32_t ShowFieldValueZklongFixedLen(ExitControlBlock *cb, const char *name, int
 
 int32_t ShowFieldValueZkInt64FixedLen(ExitControlBlock *cb, const char *name, uint32_t low,
                                       uint32_t high, const char *description) {
-  TraceLine line;
-  TraceLineStartField(&line, cb, name);
-  TraceLineAppendInt64(&line, (int64_t)(((uint64_t)high << 32) | low), 6);
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendInt64(&line, (int64_t)(((uint64_t)high << 32) | low), 6);
   if (description != nullptr && description[0] != '\0') {
-    TraceLineAppend(&line, " (", 2);
-    TraceLineAppendText(&line, description);
-    TraceLineAppendChar(&line, ')');
+    TraceTextAppend(&line, " (", 2);
+    TraceTextAppendString(&line, description);
+    TraceTextAppendChar(&line, ')');
   }
-  TraceLineAppendChar(&line, '\n');
-  return TraceLineWrite(&line);
+  TraceTextAppendChar(&line, '\n');
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const void *bytes,
@@ -89,33 +89,33 @@ int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const 
          (data[length - 1] == '\n' || data[length - 1] == '\r' || data[length - 1] == ' ')) {
     length--;
   }
-  TraceLine line;
-  TraceLineStartField(&line, cb, name);
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
   // Piece by piece: a zero byte ends the text of its piece only.
   for (int32_t start = 0; start < length; start += FIELD_STRING_PIECE) {
     int32_t end = start + FIELD_STRING_PIECE < length ? start + FIELD_STRING_PIECE : length;
-    TraceLineAppendSevenBit(&line, data + start, end - start);
+    TraceTextAppendSevenBit(&line, data + start, end - start);
   }
-  TraceLineAppendChar(&line, '\n');
-  return TraceLineWrite(&line);
+  TraceTextAppendChar(&line, '\n');
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowAttributeDescription(ExitControlBlock *cb, uint32_t *counter, const char *text) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
   if (*counter > 0) {
-    TraceLineAppend(&line, " / ", 3);
+    TraceTextAppend(&line, " / ", 3);
   }
-  TraceLineAppendText(&line, text);
+  TraceTextAppendString(&line, text);
   (*counter)++;
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }
 
 int32_t Show4ByteIntegerInHex(ExitControlBlock *cb, uint32_t value, uint8_t nullFlag) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
   AppendHexOrNull(&line, value, nullFlag);
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowPointerInHex(ExitControlBlock *cb, const void *pointer, uint8_t nullFlag) {
@@ -123,15 +123,15 @@ int32_t ShowPointerInHex(ExitControlBlock *cb, const void *pointer, uint8_t null
 }
 
 int32_t Show8ByteIntegerInHex(ExitControlBlock *cb, uint32_t low, uint32_t high, uint8_t nullFlag) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
   if (low == 0 && high == 0 && nullFlag != 0) {
-    TraceLineAppend(&line, "(null)", 6);
+    TraceTextAppend(&line, "(null)", 6);
   } else {
-    TraceLineAppend(&line, "0x", 2);
-    TraceLineAppendHex32(&line, high);
-    TraceLineAppendChar(&line, ' ');
-    TraceLineAppendHex32(&line, low);
+    TraceTextAppend(&line, "0x", 2);
+    TraceTextAppendHex32(&line, high);
+    TraceTextAppendChar(&line, ' ');
+    TraceTextAppendHex32(&line, low);
   }
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }

@@ -15,13 +15,13 @@ constexpr int32_t kFormatLength = 8;
 
 int32_t ShowParsedCommonCcsid(ExitControlBlock *cb, const char *name, int32_t ccsid,
                               uint8_t fixedWidth) {
-  TraceLine line;
-  TraceLineStartField(&line, cb, name);
-  TraceLineAppendInt32(&line, ccsid, fixedWidth != 0 ? 6 : 0);
-  TraceLineAppend(&line, " (", 2);
-  TraceLineAppendText(&line, SearchConstantCcsidString(ccsid, 0));
-  TraceLineAppend(&line, ")\n", 2);
-  return TraceLineWrite(&line);
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendInt32(&line, ccsid, fixedWidth != 0 ? 6 : 0);
+  TraceTextAppend(&line, " (", 2);
+  TraceTextAppendString(&line, SearchConstantCcsidString(ccsid, 0));
+  TraceTextAppend(&line, ")\n", 2);
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowParsedMsgFormat(ExitControlBlock *cb, const char *format) {
@@ -68,10 +68,10 @@ int32_t ShowParsedMsgFormat(ExitControlBlock *cb, const char *format) {
 
 int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t value,
                                uint8_t fixedWidth, uint8_t endOfLine) {
-  TraceLine line;
-  TraceLineStartField(&line, cb, name);
-  TraceLineAppendInt32(&line, value, fixedWidth != 0 ? 6 : 0);
-  TraceLineAppend(&line, " (", 2);
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendInt32(&line, value, fixedWidth != 0 ? 6 : 0);
+  TraceTextAppend(&line, " (", 2);
   // A word that is not made of known bits alone, or has none, may be one of
   // the whole words ("not available", "none", "any"); any other word lists
   // its known bits in the order of the table, unknown bits left out.
@@ -87,7 +87,7 @@ int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t v
     }
   }
   if (whole != nullptr) {
-    TraceLineAppendText(&line, whole->text);
+    TraceTextAppendString(&line, whole->text);
   } else {
     bool first = true;
     for (const ConstantIntEntry *row = Constant_Zkcompress; row->value != CONSTANT_TABLE_END;
@@ -95,40 +95,41 @@ int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t v
       uint32_t bits = (uint32_t)row->value;
       if (bits != 0 && (bits & ~known) == 0 && ((uint32_t)value & bits) == bits) {
         if (!first) {
-          TraceLineAppend(&line, " / ", 3);
+          TraceTextAppend(&line, " / ", 3);
         }
-        TraceLineAppendText(&line, row->text);
+        TraceTextAppendString(&line, row->text);
         first = false;
       }
     }
   }
-  TraceLineAppendChar(&line, ')');
+  TraceTextAppendChar(&line, ')');
   if (endOfLine != 0) {
-    TraceLineAppendChar(&line, '\n');
+    TraceTextAppendChar(&line, '\n');
   }
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }
 
 int32_t ShowParsedEncodingValue(ExitControlBlock *cb, int32_t encoding) {
-  TraceLine line;
-  TraceLineStart(&line, cb);
-  TraceLineAppendFieldName(&line, "Encoding");
-  TraceLineAppendUInt32(&line, (uint32_t)encoding, 0);
-  TraceLineAppendChar(&line, ' ');
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendFieldName(&line, "Encoding");
+  TraceTextAppendUInt32(&line, (uint32_t)encoding, 0);
+  TraceTextAppendChar(&line, ' ');
   // A named whole encoding first ("(Native encoding) "), then its three parts.
   const char *whole = SearchConstantInt(encoding, Constant_Zkenc);
   if (whole[0] != '\0') {
-    TraceLineAppendChar(&line, '(');
-    TraceLineAppendText(&line, whole);
-    TraceLineAppend(&line, ") ", 2);
+    TraceTextAppendChar(&line, '(');
+    TraceTextAppendString(&line, whole);
+    TraceTextAppend(&line, ") ", 2);
   }
-  TraceLineAppendText(&line,
-                      SearchConstantInt(encoding & ZKENC_INTEGER_MASK, Constant_Zkenc_integer));
-  TraceLineAppend(&line, " / ", 3);
-  TraceLineAppendText(&line,
-                      SearchConstantInt(encoding & ZKENC_DECIMAL_MASK, Constant_Zkenc_decimal));
-  TraceLineAppend(&line, " / ", 3);
-  TraceLineAppendText(&line, SearchConstantInt(encoding & ZKENC_FLOAT_MASK, Constant_Zkenc_float));
-  TraceLineAppendChar(&line, '\n');
-  return TraceLineWrite(&line);
+  TraceTextAppendString(&line,
+                        SearchConstantInt(encoding & ZKENC_INTEGER_MASK, Constant_Zkenc_integer));
+  TraceTextAppend(&line, " / ", 3);
+  TraceTextAppendString(&line,
+                        SearchConstantInt(encoding & ZKENC_DECIMAL_MASK, Constant_Zkenc_decimal));
+  TraceTextAppend(&line, " / ", 3);
+  TraceTextAppendString(&line,
+                        SearchConstantInt(encoding & ZKENC_FLOAT_MASK, Constant_Zkenc_float));
+  TraceTextAppendChar(&line, '\n');
+  return TraceTextWrite(&line);
 }

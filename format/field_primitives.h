@@ -13,13 +13,12 @@
 #include <stdint.h>
 #include <string.h>
 
+#include "output/trace_text.h"
 #include "zk/zkconst.h"
 #include "zk/zktypes.h"
 
 struct ExitControlBlock;
 
-// Width of the name column of a field line.
-#define FIELD_NAME_WIDTH 25
 // Former name of the platform's ZKENC_INTEGER_REVERSED, kept only while the
 // dump fuzz driver still uses it; the value itself is the zk/defs row.
 #define ZK_ENCODING_INTEGER_REVERSED ZKENC_INTEGER_REVERSED
@@ -34,98 +33,6 @@ struct ExitControlBlock;
 #define ZKCHARV_STRING_UNREADABLE ((const void *)(intptr_t)-1)
 
 // ---------------------------------------------------------------------------
-// Line builder. A field line is gathered in a stack buffer and written with
-// as few WriteTraceData calls as possible; a buffer that fills up is written
-// out and reused, so a line of any length can be built.
-
-#define TRACE_LINE_SIZE 512
-
-struct TraceLine {
-  ExitControlBlock *cb;
-  int32_t used;
-  int32_t rc; // what the last WriteTraceData returned
-  char text[TRACE_LINE_SIZE];
-};
-
-inline void TraceLineStart(TraceLine *line, ExitControlBlock *cb) {
-  line->cb = cb;
-  line->used = 0;
-  line->rc = 0;
-}
-
-// Writes out what the buffer holds (if anything) and returns the result of
-// the last WriteTraceData of this line (0 when none was needed yet).
-int32_t TraceLineWrite(TraceLine *line);
-// The out-of-line paths of the appends below, taken when the buffer is full.
-void TraceLineAppendSlow(TraceLine *line, const char *text, int32_t length);
-void TraceLineAppendRepeatSlow(TraceLine *line, char c, int32_t count);
-
-inline int32_t TraceLineRoom(const TraceLine *line) {
-  return TRACE_LINE_SIZE - 1 - line->used; // one byte stays for the NUL
-}
-
-// A negative length or count appends nothing.
-inline void TraceLineAppend(TraceLine *line, const char *text, int32_t length) {
-  if ((uint32_t)length <= (uint32_t)TraceLineRoom(line)) {
-    memcpy(line->text + line->used, text, (size_t)length);
-    line->used += length;
-    return;
-  }
-  TraceLineAppendSlow(line, text, length);
-}
-
-inline void TraceLineAppendText(TraceLine *line, const char *text) {
-  if (text != nullptr) {
-    TraceLineAppend(line, text, (int32_t)strlen(text));
-  }
-}
-
-inline void TraceLineAppendChar(TraceLine *line, char c) {
-  if (TraceLineRoom(line) < 1) {
-    TraceLineWrite(line);
-  }
-  line->text[line->used++] = c;
-}
-
-inline void TraceLineAppendRepeat(TraceLine *line, char c, int32_t count) {
-  if ((uint32_t)count <= (uint32_t)TraceLineRoom(line)) {
-    memset(line->text + line->used, c, (size_t)count);
-    line->used += count;
-    return;
-  }
-  TraceLineAppendRepeatSlow(line, c, count);
-}
-
-// Appends at most `length` bytes, stopping at a zero byte, each byte outside
-// 7-bit printable ASCII as "."; returns the number of bytes appended.
-int32_t TraceLineAppendSevenBit(TraceLine *line, const void *bytes, int32_t length);
-// Decimal, right-aligned in `width` columns (0: no padding) like "%*d".
-void TraceLineAppendInt32(TraceLine *line, int32_t value, int32_t width);
-void TraceLineAppendUInt32(TraceLine *line, uint32_t value, int32_t width);
-void TraceLineAppendInt64(TraceLine *line, int64_t value, int32_t width);
-// Eight upper-case hex digits, like "%08X".
-void TraceLineAppendHex32(TraceLine *line, uint32_t value);
-
-// The same decimal conversion into a caller's buffer, for text that is not
-// a field line (record headers, time stamps). Writes the number right-aligned
-// in `width` columns (0: no padding) and returns the number of characters
-// written; no NUL is added. Padding is blanks before the sign ("%*lld"), or
-// with zeroPad zeros after it ("%0*lld"). `out` needs room for
-// FORMAT_DECIMAL_SIZE characters or `width`, whichever is more.
-#define FORMAT_DECIMAL_SIZE 20
-int32_t FormatDecimalInt64(char *out, int64_t value, int32_t width, uint8_t zeroPad);
-int32_t FormatDecimalUInt32(char *out, uint32_t value, int32_t width, uint8_t zeroPad);
-// "|> ", the name left-justified in 25 columns (a longer one is not cut), ": ".
-void TraceLineAppendFieldName(TraceLine *line, const char *name);
-
-// The upper-case hex digit pairs of all byte values in order, "00" to "FF".
-extern const char FieldHexPairs[513];
-// The two hex digits of a byte.
-inline const char *FieldHexPair(uint8_t byte) {
-  return FieldHexPairs + 2 * byte;
-}
-
-// ---------------------------------------------------------------------------
 // Line-building primitives.
 
 // Field names may be left empty (or null) to write a value alone.
@@ -134,10 +41,10 @@ inline bool FieldHasName(const char *name) {
 }
 
 // Starts a field line with the name part, when the field has a name.
-inline void TraceLineStartField(TraceLine *line, ExitControlBlock *cb, const char *name) {
-  TraceLineStart(line, cb);
+inline void TraceTextStartField(TraceText *line, ExitControlBlock *cb, const char *name) {
+  TraceTextStart(line, cb, TRACE_TEXT_WRITE_OUT);
   if (FieldHasName(name)) {
-    TraceLineAppendFieldName(line, name);
+    TraceTextAppendFieldName(line, name);
   }
 }
 
@@ -239,6 +146,12 @@ int32_t ShowParsedEncodingValue(ExitControlBlock *cb, int32_t encoding);
 int32_t ShowZKCHARV(ExitControlBlock *cb, const char *name, const ZKCHARV *charv,
                     const void *structure, const void *string);
 
+// Dumps the text of a variable-length string; `base` is the address of the
+// structure that holds the descriptor, for offset-addressed text. Text
+// beyond ShowMaxLenCharv is left out with a note.
+void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
+                     const void *base);
+
 // The number of bytes of a variable-length string to show: 0 when the
 // descriptor or the structure address is null or all ones, or when no string
 // can be found; else VSBufSize when not 0, else VSLength when not -1, else
@@ -279,15 +192,3 @@ int32_t ZkStructureEncoding(const void *structure);
 // written for an empty text.
 int32_t ShowTextStringDataRegardingMaximumLrecl(ExitControlBlock *cb, const void *text,
                                                 int32_t length, int32_t indentation);
-
-// The value in decimal with thousands separators, no newline: "," between
-// groups, or "." when the locale's decimal point is ",".
-int32_t ReformatAndShowNumericValue(ExitControlBlock *cb, uint64_t value);
-
-// The group separator ReformatAndShowNumericValue uses in the current locale.
-char NumericGroupSeparator(void);
-
-// Writes the value's digits with `separator` before every group of three that
-// has digits in front of it into `area` (at least 28 bytes), NUL-terminated;
-// returns the length.
-int32_t FormatNumericWithSeparators(char *area, uint64_t value, char separator);

@@ -24,21 +24,21 @@ int32_t ShowTextStringDataRegardingMaximumLrecl(ExitControlBlock *cb, const void
   if (width < kMinimumTextPerLine) {
     width = kMinimumTextPerLine;
   }
-  TraceLine line;
-  TraceLineStart(&line, cb);
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
   for (int32_t done = 0; done < length;) {
     int32_t piece = length - done < width ? length - done : width;
     if (data[done] == '\0') {
       break; // the text ends at a zero byte
     }
-    TraceLineAppend(&line, "|> ", kLinePrefixLength);
-    TraceLineAppendRepeat(&line, ' ', indentation);
-    int32_t appended = TraceLineAppendSevenBit(&line, data + done, piece);
-    TraceLineAppendChar(&line, '\n');
+    TraceTextAppend(&line, "|> ", kLinePrefixLength);
+    TraceTextAppendRepeat(&line, ' ', indentation);
+    int32_t appended = TraceTextAppendSevenBit(&line, data + done, piece);
+    TraceTextAppendChar(&line, '\n');
     if (appended < piece) {
       break;
     }
     done += piece;
   }
-  return TraceLineWrite(&line);
+  return TraceTextWrite(&line);
 }

@@ -12,28 +12,28 @@ constexpr int32_t kBannerStarsLength = sizeof kBannerStars - 1;
 
 // Starts the banner of something unknown: the stars, then "|* Unknown : "
 // and its name; the caller adds what is unknown about it.
-void StartUnknownBanner(TraceLine *line, ExitControlBlock *cb, const char *name) {
-  TraceLineStart(line, cb);
-  TraceLineAppend(line, kBannerStars, kBannerStarsLength);
-  TraceLineAppend(line, "|* Unknown : ", 13);
-  TraceLineAppendText(line, name);
+void StartUnknownBanner(TraceText *line, ExitControlBlock *cb, const char *name) {
+  TraceTextStart(line, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppend(line, kBannerStars, kBannerStarsLength);
+  TraceTextAppend(line, "|* Unknown : ", 13);
+  TraceTextAppendString(line, name);
 }
 
 // Ends the banner line and closes the banner with the stars.
-int32_t EndUnknownBanner(TraceLine *line) {
-  TraceLineAppendChar(line, '\n');
-  TraceLineAppend(line, kBannerStars, kBannerStarsLength);
-  return TraceLineWrite(line);
+int32_t EndUnknownBanner(TraceText *line) {
+  TraceTextAppendChar(line, '\n');
+  TraceTextAppend(line, kBannerStars, kBannerStarsLength);
+  return TraceTextWrite(line);
 }
 
 } // namespace
 
 int32_t ShowUnknownAttribute(ExitControlBlock *cb, const char *name, uint32_t value) {
   PutMessage<3101>(cb, 0, name, value);
-  TraceLine line;
+  TraceText line;
   StartUnknownBanner(&line, cb, name);
-  TraceLineAppend(&line, " 0x", 3);
-  TraceLineAppendHex32(&line, value);
+  TraceTextAppend(&line, " 0x", 3);
+  TraceTextAppendHex32(&line, value);
   int32_t rc = EndUnknownBanner(&line);
   cb->UnknownAttributeSeen = 1;
   return rc;
@@ -43,9 +43,9 @@ int32_t ShowUnknownStructureVersion(ExitControlBlock *cb, const char *structureN
                                     int32_t version) {
   cb->UnknownAttributeSeen = 1;
   PutMessage<3100>(cb, 0, structureName, (uint32_t)version);
-  TraceLine line;
+  TraceText line;
   StartUnknownBanner(&line, cb, structureName);
-  TraceLineAppend(&line, " version ", 9);
-  TraceLineAppendInt32(&line, version, 0);
+  TraceTextAppend(&line, " version ", 9);
+  TraceTextAppendInt32(&line, version, 0);
   return EndUnknownBanner(&line);
 }

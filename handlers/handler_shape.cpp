@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "exit/call_records.h"
 #include "exit/counting.h"
 #include "exit/dispatch.h"
 #include "output/record_writers.h"

@@ -16,6 +16,12 @@
 #include "exit/control_block.h"
 #include "zk/zk.h"
 
+// What a parameter passed by address points at, or null when the address
+// itself is null (the queue manager passes most parameters this way).
+template <typename T> const T *Deref(T *const *pp) {
+  return pp != nullptr ? *pp : nullptr;
+}
+
 struct HandlerCall {
   PZKAXP Axp;
   const ZKLONG *CompCode;

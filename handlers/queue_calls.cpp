@@ -78,10 +78,6 @@ void SelectPut1(HandlerCall *call) {
   }
 }
 
-template <typename T> const T *Deref(T *const *pp) {
-  return pp != nullptr ? *pp : nullptr;
-}
-
 void TraceQueueCall(HandlerCall *call, bool before) {
   call->QueueCall = 1;
   if (before) {

@@ -50,10 +50,6 @@ void KeepSubscriptionHandle(PZKAXP axp, const ZKSD *sd, const ZKHSUB *pHsub,
   queueHandleListSetHandleToLastEntry(cb, *pHsub, "", topic);
 }
 
-template <typename T> const T *Deref(T *const *pp) {
-  return pp != nullptr ? *pp : nullptr;
-}
-
 } // namespace
 
 void StatBefore(PZKAXP axp, PZKAXC, PZKHCONN, PZKLONG, PPZKSTS, PZKLONG pCompCode,

@@ -3,16 +3,15 @@
 // the connection shows data in. Repeated lines collapse into one note.
 //
 // Dumps run for every structure and every message a traced call passes, so
-// the lines are built into a stack buffer with table look-ups and handed to
-// WriteTraceData a few dozen lines at a time.
+// the lines are written with table look-ups straight into the trace text,
+// which goes to the trace file a dozen lines at a time.
 #include "output/record_writers.h"
 
 #include <stdio.h>
 #include <string.h>
 
 #include "exit/control_block.h"
-#include "format/field_primitives.h"
-#include "output/trace_file.h"
+#include "output/trace_text.h"
 
 #define HEX_SAME16(c) c, c, c, c, c, c, c, c, c, c, c, c, c, c, c, c
 #define HEX_DIGITS16 '0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'
@@ -49,10 +48,9 @@ namespace {
 // What prefixed mode puts before every line: "|> " and four blanks.
 #define DUMP_LINE_PREFIX "|>     "
 #define DUMP_LINE_PREFIX_LENGTH 7
-// Text gathered before it is handed on; flushed when less than one line of
+// Room asked for before each line: a "same as above" line and a line of
 // the longest kind (prefix, hex part, a character column that carries a
-// character over from the line before) would still fit.
-#define DUMP_CHUNK_SIZE 2048
+// character over from the line before).
 #define DUMP_LONGEST_LINE 128
 // Room for the title line; a longer title is cut.
 #define DUMP_TITLE_SIZE 512
@@ -163,31 +161,37 @@ char *PutSameAsAbove(char *p, uint32_t first, uint32_t last, bool prefixed) {
   return p + sizeof kSame - 1;
 }
 
+// The title line; one longer than DUMP_TITLE_SIZE - 1 is cut and still
+// ends its line, so that the first dump line starts a line of its own.
+void AppendDumpTitle(TraceText *dump, const ExitControlBlock *cb, const char *title,
+                     const void *address, int32_t shownLength) {
+  TraceTextAppendBounded(dump, title, DUMP_TITLE_SIZE);
+  TraceTextAppendLiteral(dump, ":(");
+  TraceTextAppendUInt32(dump, (uint32_t)shownLength, 0);
+  TraceTextAppendLiteral(dump, "=x");
+  TraceTextAppendHex(dump, (uint32_t)shownLength);
+  if (cb->NoAddress) {
+    TraceTextAppendLiteral(dump, " bytes)\n");
+  } else {
+    TraceTextAppendLiteral(dump, " bytes, Address 0x");
+    TraceTextAppendHex32(dump, (uint32_t)(uintptr_t)address);
+    TraceTextAppendLiteral(dump, ")\n");
+  }
+  if (dump->Length > DUMP_TITLE_SIZE - 1) {
+    dump->Length = DUMP_TITLE_SIZE - 1;
+    dump->Buffer[dump->Length - 1] = '\n';
+  }
+}
+
 } // namespace
 
 void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address, int32_t dumpLength,
                    int32_t mode, int32_t shownLength) {
-  char chunk[DUMP_CHUNK_SIZE];
-  char *p = chunk;
+  TraceText dump;
+  TraceTextStart(&dump, cb, TRACE_TEXT_WRITE_OUT);
 
   if (title != nullptr && title[0] != '\0' && mode == HEX_MODE_PLAIN) {
-    int n;
-    if (cb->NoAddress) {
-      n = snprintf(chunk, DUMP_TITLE_SIZE, "%s:(%u=x%X bytes)\n", title, (unsigned)shownLength,
-                   (unsigned)shownLength);
-    } else {
-      n = snprintf(chunk, DUMP_TITLE_SIZE, "%s:(%u=x%X bytes, Address 0x%08X)\n", title,
-                   (unsigned)shownLength, (unsigned)shownLength, (unsigned)(uintptr_t)address);
-    }
-    if (n >= DUMP_TITLE_SIZE) {
-      // The title was cut to fit: its line still ends, so that the first
-      // dump line starts a line of its own.
-      n = DUMP_TITLE_SIZE - 1;
-      chunk[n - 1] = '\n';
-    }
-    if (n > 0) {
-      p += n;
-    }
+    AppendDumpTitle(&dump, cb, title, address, shownLength);
   }
 
   if (address != nullptr && dumpLength > 0) {
@@ -198,6 +202,10 @@ void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
     PendingCharacter pending = {};
     int32_t skippedFrom = -1; // offset of the first line left out, -1: none
     bool carryBroken = false; // lines were left out since the line before
+    // Lines are written straight into the text's buffer; it is written out
+    // when less than two of the longest lines would still fit.
+    char *p = TraceTextReserve(&dump, 2 * DUMP_LONGEST_LINE);
+    const char *limit = dump.Buffer + TRACE_TEXT_SIZE - 2 * DUMP_LONGEST_LINE;
 
     for (int32_t offset = 0; offset < dumpLength; offset += DUMP_BYTES_PER_LINE) {
       int32_t count = dumpLength - offset;
@@ -212,10 +220,9 @@ void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
         }
         continue;
       }
-      if (p - chunk > DUMP_CHUNK_SIZE - 2 * DUMP_LONGEST_LINE) {
-        *p = '\0';
-        WriteTraceData(cb, chunk);
-        p = chunk;
+      if (p > limit) {
+        TraceTextCommit(&dump, p);
+        p = TraceTextReserve(&dump, TRACE_TEXT_SIZE); // all of it, once written out
       }
       if (skippedFrom >= 0) {
         p = PutSameAsAbove(p, (uint32_t)skippedFrom, (uint32_t)offset - 1, prefixed);
@@ -226,39 +233,12 @@ void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
                       lastLine, carryBroken, &pending);
       carryBroken = false;
     }
+    TraceTextCommit(&dump, p);
   }
-
-  if (p != chunk) {
-    *p = '\0';
-    WriteTraceData(cb, chunk);
-  }
+  TraceTextWrite(&dump);
 }
 
 void PutHexData(ExitControlBlock *cb, const char *title, const void *address, int32_t length,
                 int32_t mode) {
   PutHexDataLen(cb, title, address, length, mode, length);
-}
-
-void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
-                     const void *base) {
-  if (charv == nullptr || (uintptr_t)charv == (uintptr_t)-1) {
-    PutHexDataLen(cb, title, nullptr, 0, HEX_MODE_PLAIN, 0);
-    return;
-  }
-  // The string through the descriptor: its pointer, else its offset from
-  // the holding structure; the length as the parsed display counts it.
-  const void *data = ZkcharvStringAddress(charv, nullptr, base);
-  int32_t length = (int32_t)CalculateZkcharvDataLength(charv, nullptr, base);
-  if (length < 0) {
-    length = 0; // a negative size or length shows no data
-  }
-  int32_t limit = cb->Settings.ShowMaxLenCharv;
-  if (limit >= 0 && length > limit) {
-    PutHexDataLen(cb, title, data, limit, HEX_MODE_PLAIN, length);
-    char note[64];
-    snprintf(note, sizeof note, "  (Shown only leading %u byte(s) ...)\n", (unsigned)limit);
-    WriteTraceData(cb, note);
-    return;
-  }
-  PutHexDataLen(cb, title, data, length, HEX_MODE_PLAIN, length);
 }

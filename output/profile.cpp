@@ -5,206 +5,244 @@
 #include "output/profile.h"
 
 #include <pthread.h>
-#include <stdarg.h>
-#include <stdio.h>
 #include <string.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
 #include "exit/control_block.h"
-#include "format/field_primitives.h"
 #include "output/trace_file.h"
+#include "output/trace_text.h"
 #include "text/codepage.h"
 #include "text/constant_table.h"
+#include "text/number_text.h"
 
 namespace {
 
 #define PROFILE_DASHED_LINE "|----------------------------------------------------------\n"
-#define PROFILE_LINE_SIZE 512
 #define ADDRESSING_MODE_BITS 32
+// Width of the label column of a setting line.
+#define SETTING_LABEL_WIDTH 19
 
-// One formatted line; values longer than the line are cut.
-void PutLine(ExitControlBlock *cb, const char *format, ...) __attribute__((format(printf, 2, 3)));
-
-void PutLine(ExitControlBlock *cb, const char *format, ...) {
-  char line[PROFILE_LINE_SIZE];
-  va_list args;
-  va_start(args, format);
-  vsnprintf(line, sizeof line, format, args);
-  va_end(args);
-  WriteTraceData(cb, line);
+// A line of a fixed label and a text value.
+template <int32_t N> void AppendValueLine(TraceText *t, const char (&label)[N], const char *value) {
+  TraceTextAppendLiteral(t, label);
+  TraceTextAppendString(t, value);
+  TraceTextAppendChar(t, '\n');
 }
 
 // The label of a setting line: as given when it already starts with "|",
 // else in the 19-column layout.
-void PutSettingLabel(ExitControlBlock *cb, const char *label) {
+void AppendSettingLabel(TraceText *t, const char *label) {
   if (label[0] == '|') {
-    WriteTraceData(cb, label);
+    TraceTextAppendString(t, label);
   } else {
-    PutLine(cb, "|  %-19s: ", label);
+    TraceTextAppendLiteral(t, "|  ");
+    TraceTextAppendPadded(t, label, SETTING_LABEL_WIDTH);
+    TraceTextAppendLiteral(t, ": ");
   }
+}
+
+void AppendYesNoSetting(TraceText *t, const char *label, uint8_t flag) {
+  AppendSettingLabel(t, label);
+  if (flag != 0) {
+    TraceTextAppendLiteral(t, "yes\n");
+  } else {
+    TraceTextAppendLiteral(t, "no\n");
+  }
+}
+
+// A length setting with thousands separators; a negative one means no limit.
+void AppendLengthSetting(TraceText *t, const char *label, int64_t value) {
+  AppendSettingLabel(t, label);
+  if (value < 0) {
+    TraceTextAppendLiteral(t, "(all)\n");
+    return;
+  }
+  char area[28];
+  int32_t length = FormatNumericWithSeparators(area, (uint64_t)value, NumericGroupSeparator());
+  TraceTextAppend(t, area, length);
+  TraceTextAppendChar(t, '\n');
 }
 
 // A setting that is text: its label, then the text, or "(none)" when it is
 // empty. The text ends at its first zero byte or after `size` bytes.
-void PutTextSetting(ExitControlBlock *cb, const char *label, const char *text, int size) {
-  WriteTraceData(cb, label);
+void AppendTextSetting(TraceText *t, const char *label, const char *text, int32_t size) {
+  TraceTextAppendString(t, label);
   if (text[0] != '\0') {
-    PutLine(cb, "%.*s\n", size, text);
+    TraceTextAppendBounded(t, text, size);
+    TraceTextAppendChar(t, '\n');
   } else {
-    WriteTraceData(cb, "(none)\n");
+    TraceTextAppendLiteral(t, "(none)\n");
   }
 }
 
 void PutReopenBanner(ExitControlBlock *cb) {
-  WriteTraceData(cb, "-");
-  WriteTraceData(cb, "\n");
-  WriteTraceData(cb, PROFILE_DASHED_LINE);
-  WriteTraceData(cb, "|Reopen this trace file\n");
-  WriteTraceData(cb, PROFILE_DASHED_LINE);
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendLiteral(&t, "-\n");
+  TraceTextAppendLiteral(&t, PROFILE_DASHED_LINE);
+  TraceTextAppendLiteral(&t, "|Reopen this trace file\n");
+  TraceTextAppendLiteral(&t, PROFILE_DASHED_LINE);
+  TraceTextWrite(&t);
   cb->FileReopened = 1;
 }
 
-void PutProgramLines(ExitControlBlock *cb) {
-  WriteTraceData(cb, PROFILE_DASHED_LINE);
-  WriteTraceData(cb, "|Program information\n");
-  PutLine(cb, "|  Program name       : %s\n", cb->ProductTitle);
-  PutLine(cb, "|  Version            : %s\n", cb->ProgramVersion);
-  PutLine(cb, "|  Provided by        : %s\n", cb->MakerContact);
-  WriteTraceData(cb, "|Program attributes\n");
-  WriteTraceData(cb, "|  Addressing mode    : ");
-  PutLine(cb, "%u-bit\n", (unsigned)ADDRESSING_MODE_BITS);
-  WriteTraceData(cb, "|  Threading          : ");
-  PutLine(cb, "%s\n", cb->BuildVariant);
-  PutLine(cb, "|  Process level      : %u\n", (unsigned)cb->ApiLevel);
+void AppendProgramLines(TraceText *t, const ExitControlBlock *cb) {
+  TraceTextAppendLiteral(t, PROFILE_DASHED_LINE);
+  TraceTextAppendLiteral(t, "|Program information\n");
+  AppendValueLine(t, "|  Program name       : ", cb->ProductTitle);
+  AppendValueLine(t, "|  Version            : ", cb->ProgramVersion);
+  AppendValueLine(t, "|  Provided by        : ", cb->MakerContact);
+  TraceTextAppendLiteral(t, "|Program attributes\n");
+  TraceTextAppendLiteral(t, "|  Addressing mode    : ");
+  TraceTextAppendUInt32(t, ADDRESSING_MODE_BITS, 0);
+  TraceTextAppendLiteral(t, "-bit\n");
+  AppendValueLine(t, "|  Threading          : ", cb->BuildVariant);
+  TraceTextAppendLiteral(t, "|  Process level      : ");
+  TraceTextAppendUInt32(t, (uint32_t)cb->ApiLevel, 0);
+  TraceTextAppendChar(t, '\n');
 }
 
 // The platform's own level, asked for once per control block.
-void PutPlatformLevelLines(ExitControlBlock *cb) {
+void AppendPlatformLevelLines(TraceText *t, ExitControlBlock *cb) {
   if (cb->ZkLevelSearched == 0) {
     SetZkLevelInfo(cb);
     cb->ZkLevelSearched = 1;
   }
-  WriteTraceData(cb, "|Tarnvelde ZK\n");
-  PutLine(cb, "|  Version            : %s\n", cb->ZkVersion);
-  PutLine(cb, "|  Level              : %s\n", cb->ZkLevel);
-  PutLine(cb, "|  Build type         : %s\n", cb->ZkBuildType);
+  TraceTextAppendLiteral(t, "|Tarnvelde ZK\n");
+  AppendValueLine(t, "|  Version            : ", cb->ZkVersion);
+  AppendValueLine(t, "|  Level              : ", cb->ZkLevel);
+  AppendValueLine(t, "|  Build type         : ", cb->ZkBuildType);
 }
 
-void PutOperatingEnvironmentLines(ExitControlBlock *cb) {
+void AppendOperatingEnvironmentLines(TraceText *t) {
   struct utsname system;
   memset(&system, 0, sizeof system);
   uname(&system);
-  WriteTraceData(cb, "|Operating environment\n");
-  WriteTraceData(cb, "|  Operating system   : ");
-  PutLine(cb, "%s\n", system.sysname);
-  PutLine(cb, "|  Version            : %s\n", system.version);
-  PutLine(cb, "|  Release            : %s\n", system.release);
-  PutLine(cb, "|  Node name          : %s\n", system.nodename);
-  PutLine(cb, "|  Machine            : %s\n", system.machine);
+  TraceTextAppendLiteral(t, "|Operating environment\n");
+  AppendValueLine(t, "|  Operating system   : ", system.sysname);
+  AppendValueLine(t, "|  Version            : ", system.version);
+  AppendValueLine(t, "|  Release            : ", system.release);
+  AppendValueLine(t, "|  Node name          : ", system.nodename);
+  AppendValueLine(t, "|  Machine            : ", system.machine);
   char category[LOCALE_CATEGORY_SIZE];
   char locale[LOCALE_NAME_SIZE];
   GetEnvLocale(category, locale); // the locale is empty when there is none
-  PutTextSetting(cb, "|  Locale             : ", locale, (int)sizeof locale);
+  AppendTextSetting(t, "|  Locale             : ", locale, (int32_t)sizeof locale);
 }
 
-void PutExitContextLines(ExitControlBlock *cb) {
-  WriteTraceData(cb, "|API Exit context\n");
-  PutLine(cb, "|  Exit name          : %s\n", cb->ExitInfoName);
-  PutLine(cb, "|  Function name      : %s\n", cb->EntryName);
-  PutLine(cb, "|  API caller type    : %s\n", cb->ApiCallerTypeText);
-  PutLine(cb, "|  Queue manager      : %s\n", cb->QMgrName);
-  PutLine(cb, "|  Environment        : %s\n", cb->EnvironmentText);
-  PutLine(cb, "|  User id            : %s\n", cb->UserId);
-  PutLine(cb, "|  Connection name    : %s\n", cb->ConnectionName);
-  PutLine(cb, "|  Appl/Channel name  : %s\n", cb->ApplName);
-  PutLine(cb, "|  Appl/Channel type  : %s\n", cb->ApplTypeText);
-  PutLine(cb, "|  Program name       : %s\n", cb->ProcessName);
-  PutLine(cb, "|  Program description: %s\n", cb->ProcessDescription);
-  WriteTraceData(cb, "|  Process id         : ");
-  PutLine(cb, "%d\n", cb->ZkaxcProcessId);
-  WriteTraceData(cb, "|  Thread id          : ");
-  PutLine(cb, "%d\n", cb->ZkaxcThreadId);
-  PutLine(cb, "|  Process id (real)  : %u\n", (unsigned)getpid());
-  PutLine(cb, "|  Thread id  (real)  : %u\n", (unsigned)pthread_self());
+void AppendExitContextLines(TraceText *t, const ExitControlBlock *cb) {
+  TraceTextAppendLiteral(t, "|API Exit context\n");
+  AppendValueLine(t, "|  Exit name          : ", cb->ExitInfoName);
+  AppendValueLine(t, "|  Function name      : ", cb->EntryName);
+  AppendValueLine(t, "|  API caller type    : ", cb->ApiCallerTypeText);
+  AppendValueLine(t, "|  Queue manager      : ", cb->QMgrName);
+  AppendValueLine(t, "|  Environment        : ", cb->EnvironmentText);
+  AppendValueLine(t, "|  User id            : ", cb->UserId);
+  AppendValueLine(t, "|  Connection name    : ", cb->ConnectionName);
+  AppendValueLine(t, "|  Appl/Channel name  : ", cb->ApplName);
+  AppendValueLine(t, "|  Appl/Channel type  : ", cb->ApplTypeText);
+  AppendValueLine(t, "|  Program name       : ", cb->ProcessName);
+  AppendValueLine(t, "|  Program description: ", cb->ProcessDescription);
+  TraceTextAppendLiteral(t, "|  Process id         : ");
+  TraceTextAppendInt32(t, cb->ZkaxcProcessId, 0);
+  TraceTextAppendLiteral(t, "\n|  Thread id          : ");
+  TraceTextAppendInt32(t, cb->ZkaxcThreadId, 0);
+  TraceTextAppendLiteral(t, "\n|  Process id (real)  : ");
+  TraceTextAppendUInt32(t, (uint32_t)getpid(), 0);
+  TraceTextAppendLiteral(t, "\n|  Thread id  (real)  : ");
+  TraceTextAppendUInt32(t, (uint32_t)pthread_self(), 0);
+  TraceTextAppendChar(t, '\n');
 }
 
-void PutDisplaySettingLines(ExitControlBlock *cb) {
+void AppendDisplaySettingLines(TraceText *t, const ExitControlBlock *cb) {
   const ParameterSettings &s = cb->Settings;
-  WriteTraceData(cb, "|Process parameters\n");
-  PutTextSetting(cb, "|  Parameter file     : ", s.ParameterFilePath,
-                 (int)sizeof s.ParameterFilePath);
-  PutLine(cb, "|  Check update req   : %d\n", s.CheckUpdateRequestInterval);
+  TraceTextAppendLiteral(t, "|Process parameters\n");
+  AppendTextSetting(t, "|  Parameter file     : ", s.ParameterFilePath,
+                    (int32_t)sizeof s.ParameterFilePath);
+  TraceTextAppendLiteral(t, "|  Check update req   : ");
+  TraceTextAppendInt32(t, s.CheckUpdateRequestInterval, 0);
+  TraceTextAppendChar(t, '\n');
 
-  PutProfileRecordYesNo(cb, "|  Show summary only  : ", s.ShowSummaryOnly);
-  PutProfileRecordYesNo(cb, "Show perf only", s.ShowPerformanceOnly);
-  PutLine(cb, "|  Perf intvl (time)  : %u\n", (unsigned)s.ShowPerformanceIntervalTime);
-  PutLine(cb, "|  Perf intvl (count) : %u\n", (unsigned)s.ShowPerformanceIntervalCount);
+  AppendYesNoSetting(t, "|  Show summary only  : ", s.ShowSummaryOnly);
+  AppendYesNoSetting(t, "Show perf only", s.ShowPerformanceOnly);
+  TraceTextAppendLiteral(t, "|  Perf intvl (time)  : ");
+  TraceTextAppendUInt32(t, (uint32_t)s.ShowPerformanceIntervalTime, 0);
+  TraceTextAppendLiteral(t, "\n|  Perf intvl (count) : ");
+  TraceTextAppendUInt32(t, (uint32_t)s.ShowPerformanceIntervalCount, 0);
+  TraceTextAppendChar(t, '\n');
 
-  PutProfileRecordYesNo(cb, "Show parsed data", s.ShowParsedData);
-  PutProfileRecordYesNo(cb, "Show parsed content", s.ShowParsedMsgContent);
+  AppendYesNoSetting(t, "Show parsed data", s.ShowParsedData);
+  AppendYesNoSetting(t, "Show parsed content", s.ShowParsedMsgContent);
 
   if (s.ShowParsedMsgContent == 1) {
-    PutLine(cb, "|  Max out line length: %u\n", (unsigned)s.MaxParsedOutputLineLength);
+    TraceTextAppendLiteral(t, "|  Max out line length: ");
+    TraceTextAppendUInt32(t, (uint32_t)s.MaxParsedOutputLineLength, 0);
+    TraceTextAppendChar(t, '\n');
   }
-  PutProfileRecordYesNo(cb, "Show hex char image", s.ShowHexCharImage);
+  AppendYesNoSetting(t, "Show hex char image", s.ShowHexCharImage);
   if (s.ShowHexCharImage == 1) {
-    WriteTraceData(cb, "|  Show hex char ccsid: ");
+    TraceTextAppendLiteral(t, "|  Show hex char ccsid: ");
     if (s.LocaleSwitch == 1) {
-      WriteTraceData(cb, "(auto) ");
+      TraceTextAppendLiteral(t, "(auto) ");
     }
     // CCSID 0 here is the default 7-bit character column, named as such.
-    PutLine(cb, "%u (%s)\n", (unsigned)s.ShowHexCharCcsid,
-            SearchConstantCcsidString(s.ShowHexCharCcsid, 1));
+    TraceTextAppendUInt32(t, (uint32_t)s.ShowHexCharCcsid, 0);
+    TraceTextAppendLiteral(t, " (");
+    TraceTextAppendString(t, SearchConstantCcsidString(s.ShowHexCharCcsid, 1));
+    TraceTextAppendLiteral(t, ")\n");
   }
 
-  PutProfileRecordYesNo(cb, "Show data conv", s.ShowDataConvOnGet);
-  PutProfileRecordYesNo(cb, "Show XA trace", s.ShowXaCalls);
-  PutProfileRecordYesNo(cb, "Show correl id", s.ShowSummaryCorrelId);
-  PutProfileRecordYesNo(cb, "Show channel attrs", s.ShowChannelAttributes);
+  AppendYesNoSetting(t, "Show data conv", s.ShowDataConvOnGet);
+  AppendYesNoSetting(t, "Show XA trace", s.ShowXaCalls);
+  AppendYesNoSetting(t, "Show correl id", s.ShowSummaryCorrelId);
+  AppendYesNoSetting(t, "Show channel attrs", s.ShowChannelAttributes);
 
-  PutProfileRecordLength(cb, "Show max len ZKPUT", s.ShowMaxLenPut);
-  PutProfileRecordLength(cb, "Show max len ZKGET", s.ShowMaxLenGet);
-  PutProfileRecordLength(cb, "Show max len chl", s.ShowMaxLenChannel);
-  PutProfileRecordLength(cb, "Show max len parsed", s.ShowMaxLenParsedContent);
-  PutProfileRecordLength(cb, "Show max len charv ", s.ShowMaxLenCharv);
-  PutProfileRecordLength(cb, "Show max len cv str", s.ShowMaxLenCharvString);
+  AppendLengthSetting(t, "Show max len ZKPUT", s.ShowMaxLenPut);
+  AppendLengthSetting(t, "Show max len ZKGET", s.ShowMaxLenGet);
+  AppendLengthSetting(t, "Show max len chl", s.ShowMaxLenChannel);
+  AppendLengthSetting(t, "Show max len parsed", s.ShowMaxLenParsedContent);
+  AppendLengthSetting(t, "Show max len charv ", s.ShowMaxLenCharv);
+  AppendLengthSetting(t, "Show max len cv str", s.ShowMaxLenCharvString);
 
-  PutProfileRecordYesNo(cb, "Count only selected", s.CountSelectedCallsOnly);
+  AppendYesNoSetting(t, "Count only selected", s.CountSelectedCallsOnly);
 }
 
-void PutSelectionListLines(ExitControlBlock *cb) {
+void AppendSelectionListLines(TraceText *t, const ExitControlBlock *cb) {
   const ParameterSettings &s = cb->Settings;
   for (int32_t i = 0; i < s.TargetQueueCount && i < PARAMETER_LIST_MAX; i++) {
     const TargetQueueEntry &q = s.TargetQueue[i];
-    PutLine(cb, "|  Target queue name  : %.*s  ", (int)sizeof q.QueueName, q.QueueName);
+    TraceTextAppendLiteral(t, "|  Target queue name  : ");
+    TraceTextAppendBounded(t, q.QueueName, (int32_t)sizeof q.QueueName);
+    TraceTextAppendLiteral(t, "  ");
     if (q.P == 1) {
-      WriteTraceData(cb, "<put>");
+      TraceTextAppendLiteral(t, "<put>");
     }
     if (q.G == 1) {
-      WriteTraceData(cb, "<get>");
+      TraceTextAppendLiteral(t, "<get>");
     }
     if (q.I == 1) {
-      WriteTraceData(cb, "<inq>");
+      TraceTextAppendLiteral(t, "<inq>");
     }
     if (q.S == 1) {
-      WriteTraceData(cb, "<set>");
+      TraceTextAppendLiteral(t, "<set>");
     }
-    WriteTraceData(cb, "\n");
+    TraceTextAppendChar(t, '\n');
   }
   for (int32_t i = 0; i < s.TargetProcessCount && i < PARAMETER_LIST_MAX; i++) {
-    PutLine(cb, "|  Target proc name   : %.*s\n", (int)sizeof s.TargetProcess[i],
-            s.TargetProcess[i]);
+    TraceTextAppendLiteral(t, "|  Target proc name   : ");
+    TraceTextAppendBounded(t, s.TargetProcess[i], (int32_t)sizeof s.TargetProcess[i]);
+    TraceTextAppendChar(t, '\n');
   }
   // The exclude list is not applied while a target list exists.
   if (s.ExcludeProcessCount > 0 && s.TargetProcessCount > 0) {
-    WriteTraceData(cb, "|  Exclude proc name  : (ignored because ");
-    WriteTraceData(cb, "TargetProcess");
-    WriteTraceData(cb, " parameter is also specified.)\n");
+    TraceTextAppendLiteral(t, "|  Exclude proc name  : (ignored because TargetProcess parameter "
+                              "is also specified.)\n");
   } else {
     for (int32_t i = 0; i < s.ExcludeProcessCount && i < PARAMETER_LIST_MAX; i++) {
-      PutLine(cb, "|  Exclude proc name  : %.*s\n", (int)sizeof s.ExcludeProcess[i],
-              s.ExcludeProcess[i]);
+      TraceTextAppendLiteral(t, "|  Exclude proc name  : ");
+      TraceTextAppendBounded(t, s.ExcludeProcess[i], (int32_t)sizeof s.ExcludeProcess[i]);
+      TraceTextAppendChar(t, '\n');
     }
   }
 }
@@ -212,80 +250,85 @@ void PutSelectionListLines(ExitControlBlock *cb) {
 // One suppress entry after its label: completion code, reason code,
 // function (each -1 shown as "*") and object name, then the process name
 // when the entry has one (not null).
-void PutSuppressEntry(ExitControlBlock *cb, const char *label, int32_t compCode, int32_t reason,
-                      int32_t function, const char *objectName, int objectNameSize,
-                      const char *processName, int processNameSize) {
-  WriteTraceData(cb, label);
+void AppendSuppressEntry(TraceText *t, const char *label, int32_t compCode, int32_t reason,
+                         int32_t function, const char *objectName, int32_t objectNameSize,
+                         const char *processName, int32_t processNameSize) {
+  TraceTextAppendString(t, label);
   if (compCode == PARAMETER_ANY) {
-    PutLine(cb, "%c, ", '*');
+    TraceTextAppendChar(t, '*');
   } else {
-    PutLine(cb, "%d, ", compCode);
+    TraceTextAppendInt32(t, compCode, 0);
   }
+  TraceTextAppendLiteral(t, ", ");
   if (reason == PARAMETER_ANY) {
-    PutLine(cb, "%c   , ", '*');
+    TraceTextAppendLiteral(t, "*   ");
   } else {
-    PutLine(cb, "%4d, ", reason);
+    TraceTextAppendInt32(t, reason, 4);
   }
+  TraceTextAppendLiteral(t, ", ");
   if (function == PARAMETER_ANY) {
-    PutLine(cb, "%c      , ", '*');
+    TraceTextAppendLiteral(t, "*      ");
   } else {
-    PutLine(cb, "%-7s, ", SearchConstantInt(function, Constant_Function));
+    TraceTextAppendPadded(t, SearchConstantInt(function, Constant_Function), 7);
   }
+  TraceTextAppendLiteral(t, ", ");
+  TraceTextAppendBounded(t, objectName, objectNameSize);
   if (processName != nullptr) {
-    PutLine(cb, "%.*s, %.*s\n", objectNameSize, objectName, processNameSize, processName);
-  } else {
-    PutLine(cb, "%.*s\n", objectNameSize, objectName);
+    TraceTextAppendLiteral(t, ", ");
+    TraceTextAppendBounded(t, processName, processNameSize);
   }
+  TraceTextAppendChar(t, '\n');
 }
 
-void PutSuppressListLines(ExitControlBlock *cb) {
+void AppendSuppressListLines(TraceText *t, const ExitControlBlock *cb) {
   const ParameterSettings &s = cb->Settings;
-  PutProfileRecordYesNo(cb, "Alert file (error)", s.PutAlertFileError);
-  PutProfileRecordYesNo(cb, "Alert file (warn)", s.PutAlertFileWarning);
-  PutProfileRecordYesNo(cb, "Alert file (info)", s.PutAlertFileInfo);
+  AppendYesNoSetting(t, "Alert file (error)", s.PutAlertFileError);
+  AppendYesNoSetting(t, "Alert file (warn)", s.PutAlertFileWarning);
+  AppendYesNoSetting(t, "Alert file (info)", s.PutAlertFileInfo);
 
   for (int32_t i = 0; i < s.PutAlertSuppressCount && i < PARAMETER_LIST_MAX; i++) {
     const AlertSuppressEntry &e = s.PutAlertSuppress[i];
-    PutSuppressEntry(cb, "|  Suppress alert     : ", e.CompCode, e.Reason, e.Function, e.ObjectName,
-                     (int)sizeof e.ObjectName, e.ProcessName, (int)sizeof e.ProcessName);
+    AppendSuppressEntry(t, "|  Suppress alert     : ", e.CompCode, e.Reason, e.Function,
+                        e.ObjectName, (int32_t)sizeof e.ObjectName, e.ProcessName,
+                        (int32_t)sizeof e.ProcessName);
   }
   for (int32_t i = 0; i < s.ShowSummaryDataSuppressCount && i < PARAMETER_LIST_MAX; i++) {
     const SummaryDataSuppressEntry &e = s.ShowSummaryDataSuppress[i];
-    PutSuppressEntry(cb, "|  Suppress summary   : ", e.CompCode, e.Reason, e.Function, e.ObjectName,
-                     (int)sizeof e.ObjectName, nullptr, 0);
+    AppendSuppressEntry(t, "|  Suppress summary   : ", e.CompCode, e.Reason, e.Function,
+                        e.ObjectName, (int32_t)sizeof e.ObjectName, nullptr, 0);
   }
 }
 
-void PutFileSettingLines(ExitControlBlock *cb) {
+void AppendFileSettingLines(TraceText *t, const ExitControlBlock *cb) {
   const ParameterSettings &s = cb->Settings;
-  PutProfileRecordLength(cb, "Max file size", s.MaxFileSize);
-  PutTextSetting(cb, "|  Compress command   : ", s.CompressCommand, (int)sizeof s.CompressCommand);
-  PutProfileRecordLength(cb, "Compress threshold", s.CompressFileSizeThreshold);
+  AppendLengthSetting(t, "Max file size", s.MaxFileSize);
+  AppendTextSetting(t, "|  Compress command   : ", s.CompressCommand,
+                    (int32_t)sizeof s.CompressCommand);
+  AppendLengthSetting(t, "Compress threshold", s.CompressFileSizeThreshold);
 
-  PutProfileRecordYesNo(cb, "Create empty file", s.CreateEmptyFile);
-  PutProfileRecordYesNo(cb, "Write stream mode", s.WriteStream);
-  PutProfileRecordYesNo(cb, "Write cache", s.WriteCache);
-  PutProfileRecordYesNo(cb, "Write after call", s.WriteAfterEachApi);
-  PutProfileRecordLength(cb, "Write buffer size", s.WriteBufferSize);
-  PutProfileRecordLength(cb, "Write interval", s.WriteInterval);
-  PutProfileRecordYesNo(cb, "(Debug flag)", cb->Debug);
+  AppendYesNoSetting(t, "Create empty file", s.CreateEmptyFile);
+  AppendYesNoSetting(t, "Write stream mode", s.WriteStream);
+  AppendYesNoSetting(t, "Write cache", s.WriteCache);
+  AppendYesNoSetting(t, "Write after call", s.WriteAfterEachApi);
+  AppendLengthSetting(t, "Write buffer size", s.WriteBufferSize);
+  AppendLengthSetting(t, "Write interval", s.WriteInterval);
+  AppendYesNoSetting(t, "(Debug flag)", cb->Debug);
 }
 
 } // namespace
 
 void PutProfileRecordYesNo(ExitControlBlock *cb, const char *label, uint8_t flag) {
-  PutSettingLabel(cb, label);
-  WriteTraceData(cb, flag != 0 ? "yes\n" : "no\n");
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  AppendYesNoSetting(&t, label, flag);
+  TraceTextWrite(&t);
 }
 
 void PutProfileRecordLength(ExitControlBlock *cb, const char *label, int64_t value) {
-  PutSettingLabel(cb, label);
-  if (value < 0) {
-    WriteTraceData(cb, "(all)\n");
-    return;
-  }
-  ReformatAndShowNumericValue(cb, (uint64_t)value);
-  WriteTraceData(cb, "\n");
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  AppendLengthSetting(&t, label, value);
+  TraceTextWrite(&t);
 }
 
 void PutProcessProfileRecords(ExitControlBlock *cb, int64_t reopenedSize) {
@@ -293,17 +336,20 @@ void PutProcessProfileRecords(ExitControlBlock *cb, int64_t reopenedSize) {
     PutReopenBanner(cb);
     return;
   }
-  PutProgramLines(cb);
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  AppendProgramLines(&t, cb);
   if (cb->Settings.ShowZkVersion == 1) {
-    PutPlatformLevelLines(cb);
+    AppendPlatformLevelLines(&t, cb);
   }
-  PutOperatingEnvironmentLines(cb);
-  PutExitContextLines(cb);
-  PutDisplaySettingLines(cb);
-  PutSelectionListLines(cb);
-  PutSuppressListLines(cb);
-  PutFileSettingLines(cb);
-  WriteTraceData(cb, PROFILE_DASHED_LINE);
+  AppendOperatingEnvironmentLines(&t);
+  AppendExitContextLines(&t, cb);
+  AppendDisplaySettingLines(&t, cb);
+  AppendSelectionListLines(&t, cb);
+  AppendSuppressListLines(&t, cb);
+  AppendFileSettingLines(&t, cb);
+  TraceTextAppendLiteral(&t, PROFILE_DASHED_LINE);
+  TraceTextWrite(&t);
   FlushTraceDataInBuffer(cb);
   if (cb->Settings.ShowProcessEnvValue == 1) {
     PutEnvironmentVariables(cb);

@@ -11,3 +11,7 @@ void PutProfileRecordLength(ExitControlBlock *cb, const char *label, int64_t val
 void PutEnvironmentVariables(ExitControlBlock *cb);
 int32_t SetZkLevelInfo(ExitControlBlock *cb);
 int32_t SetZkLevelToCommonArea(ExitControlBlock *cb, const char *text);
+
+// The value in decimal with thousands separators, no newline: "," between
+// groups, or "." when the locale's decimal point is ",".
+int32_t ReformatAndShowNumericValue(ExitControlBlock *cb, uint64_t value);

@@ -5,6 +5,7 @@
 #include "exit/control_block.h"
 #include "output/profile.h"
 #include "output/trace_file.h"
+#include "output/trace_text.h"
 
 extern char **environ;
 
@@ -45,12 +46,15 @@ void PutEnvironmentVariables(ExitControlBlock *cb) {
     count++;
   }
 
-  WriteTraceData(cb, "|Environment variables\n");
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendLiteral(&t, "|Environment variables\n");
   for (int32_t i = 0; i < count; i++) {
-    WriteTraceData(cb, "|  ");
-    WriteTraceData(cb, sorted[i]);
-    WriteTraceData(cb, "\n");
+    TraceTextAppendLiteral(&t, "|  ");
+    TraceTextAppendString(&t, sorted[i]);
+    TraceTextAppendChar(&t, '\n');
   }
-  WriteTraceData(cb, PROFILE_DASHED_LINE);
+  TraceTextAppendLiteral(&t, PROFILE_DASHED_LINE);
+  TraceTextWrite(&t);
   FlushTraceDataInBuffer(cb);
 }

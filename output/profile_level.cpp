@@ -17,8 +17,11 @@ namespace {
 // Characters of the command's output that are kept.
 #define LEVEL_OUTPUT_MAX 998
 
+// The value, cut to fit `size` bytes with its NUL.
 void CopyValue(char *target, size_t size, const char *value) {
-  snprintf(target, size, "%s", value);
+  size_t length = strnlen(value, size - 1);
+  memcpy(target, value, length);
+  target[length] = '\0';
 }
 
 // One "key: value" line; lines without ":" are not looked at. 1 when the

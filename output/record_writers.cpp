@@ -6,61 +6,49 @@
 #include <string.h>
 
 #include "exit/control_block.h"
-#include "exit/counting.h"
 #include "output/timing.h"
-#include "output/record_text.h"
 #include "output/trace_file.h"
+#include "output/trace_text.h"
 #include "text/constant_table.h"
 
 namespace {
 
-// A header never needs more: a few lines of names, numbers and a time.
-#define HEADER_TEXT_SIZE 1024
-
-// Longest text of the sequence lines: two lines, each of a 13-character
-// start, at most two numbers and a dash, and a tail of at most 41.
-#define SEQUENCE_LINES_SIZE (2 * (13 + 2 * FORMAT_DECIMAL_SIZE + 1 + 41))
-
 // The lines that number a before-call, with a note about the calls the
-// filters left out since the last number printed; written at `p`, returns
-// the position after them.
-char *PutSequenceLines(ExitControlBlock *cb, char *p) {
+// filters left out since the last number printed.
+void AppendSequenceLines(ExitControlBlock *cb, TraceText *text) {
   uint32_t count = cb->Totals[COUNTER_CUMULATIVE].CallCount;
   uint32_t last = cb->LastPrintedSequence;
   if (last < count) {
-    p = PutLiteral(p, "|>-- Seq # : ");
-    if (last + 1 == count) {
-      p += FormatDecimalUInt32(p, count, 0, 0);
-    } else {
-      p += FormatDecimalUInt32(p, last + 1, 0, 0);
-      *p++ = '-';
-      p += FormatDecimalUInt32(p, count, 0, 0);
+    TraceTextAppendLiteral(text, "|>-- Seq # : ");
+    if (last + 1 != count) {
+      TraceTextAppendUInt32(text, last + 1, 0);
+      TraceTextAppendChar(text, '-');
     }
-    p = PutLiteral(p, " suppressed by parameter file\n");
+    TraceTextAppendUInt32(text, count, 0);
+    TraceTextAppendLiteral(text, " suppressed by parameter file\n");
   }
-  p = PutLiteral(p, "|--- Seq # : ");
-  p += FormatDecimalUInt32(p, count + 1, 0, 0);
-  p = PutLiteral(p, " ---------------------------------------\n");
+  TraceTextAppendLiteral(text, "|--- Seq # : ");
+  TraceTextAppendUInt32(text, count + 1, 0);
+  TraceTextAppendLiteral(text, " ---------------------------------------\n");
   cb->LastPrintedSequence = count + 1;
-  return p;
 }
 
 // One name line: the marker, the name, and the value's number after an
 // unknown name's text when `withNumber` is set.
-void AppendNameLine(RecordText *text, char marker, const char *name, int32_t value,
+void AppendNameLine(TraceText *text, char marker, const char *name, int32_t value,
                     bool withNumber) {
-  RecordTextAppendChar(text, marker);
-  RecordTextAppendString(text, name);
+  TraceTextAppendChar(text, marker);
+  TraceTextAppendString(text, name);
   if (withNumber) {
-    RecordTextAppendChar(text, ' ');
-    RecordTextAppendInt32(text, value, 0);
+    TraceTextAppendChar(text, ' ');
+    TraceTextAppendInt32(text, value, 0);
   }
-  RecordTextAppendChar(text, '\n');
+  TraceTextAppendChar(text, '\n');
 }
 
 // "<" and "(" lines of an API call. An unknown function or reason shows its
 // number after both names, so the line still says what was called.
-void AppendApiNames(RecordText *text, int32_t function, int32_t exitReason) {
+void AppendApiNames(TraceText *text, int32_t function, int32_t exitReason) {
   const char *functionName = SearchConstantInt(function, Constant_Function);
   const char *reasonName = SearchConstantInt(exitReason, Constant_ExitReason);
   bool unknown = functionName[0] == '(' || reasonName[0] == '(';
@@ -68,33 +56,28 @@ void AppendApiNames(RecordText *text, int32_t function, int32_t exitReason) {
   AppendNameLine(text, '(', reasonName, exitReason, unknown);
 }
 
-// A result line at `p`: the label and the value in decimal.
-template <int32_t N> char *PutValueLine(char *p, const char (&label)[N], int32_t value) {
-  p = PutLiteral(p, label);
-  p += FormatDecimalInt64(p, value, 0, 0);
-  *p++ = '\n';
-  return p;
+// A result line: the label and the value in decimal.
+template <int32_t N> void AppendValueLine(TraceText *text, const char (&label)[N], int32_t value) {
+  TraceTextAppendLiteral(text, label);
+  TraceTextAppendInt32(text, value, 0);
+  TraceTextAppendChar(text, '\n');
 }
 
 // The "| " line that names a result value.
 template <int32_t N>
-void AppendValueNameLine(RecordText *text, const char (&label)[N], const char *name) {
-  RecordTextAppendLiteral(text, "| ");
-  RecordTextAppendLiteral(text, label);
-  RecordTextAppendString(text, name);
-  RecordTextAppendChar(text, '\n');
+void AppendValueNameLine(TraceText *text, const char (&label)[N], const char *name) {
+  TraceTextAppendLiteral(text, "| ");
+  TraceTextAppendLiteral(text, label);
+  TraceTextAppendString(text, name);
+  TraceTextAppendChar(text, '\n');
 }
 
 // The result of a completed call: codes of a queue-manager call, or the
 // return value of a transaction-manager call.
-void AppendResultLines(RecordText *text, int32_t function, int32_t compCode, int32_t reason) {
-  // Two lines of the longest label ("Total number of XIDs:"), a number and
-  // a newline.
-  char lines[2 * (21 + FORMAT_DECIMAL_SIZE + 1)];
+void AppendResultLines(TraceText *text, int32_t function, int32_t compCode, int32_t reason) {
   if (function < ZKXF_XACLOSE) {
-    char *p = PutValueLine(lines, "CompCode:", compCode);
-    p = PutValueLine(p, "Reason:", reason);
-    RecordTextAppendScratch(text, lines, p);
+    AppendValueLine(text, "CompCode:", compCode);
+    AppendValueLine(text, "Reason:", reason);
     if (reason != 0) {
       AppendValueNameLine(text, "Reason:", SearchConstantInt(reason, Constant_Zkrc));
     }
@@ -103,10 +86,10 @@ void AppendResultLines(RecordText *text, int32_t function, int32_t compCode, int
   // A transaction-manager call has one return value, passed as both codes.
   int32_t value = compCode;
   if (function == ZKXF_XARECOVER && value >= 0) {
-    RecordTextAppendScratch(text, lines, PutValueLine(lines, "Total number of XIDs:", value));
+    AppendValueLine(text, "Total number of XIDs:", value);
     return;
   }
-  RecordTextAppendScratch(text, lines, PutValueLine(lines, "XA return value:", value));
+  AppendValueLine(text, "XA return value:", value);
   if (value != 0) {
     const ConstantIntEntry *table = function >= ZKXF_AXREG ? Constant_Axrc : Constant_Xarc;
     AppendValueNameLine(text, "XA return value:", SearchConstantInt(value, table));
@@ -115,8 +98,9 @@ void AppendResultLines(RecordText *text, int32_t function, int32_t compCode, int
 
 } // namespace
 
-void PutHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason, int32_t compCode,
-                     int32_t reason, CallCounterRecord *first, CallCounterRecord *second) {
+RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason,
+                                 int32_t compCode, int32_t reason, int64_t *elapsed) {
+  *elapsed = 0;
   bool apiExit = cb->ExitType != EXIT_TYPE_CHANNEL;
 
   // Only a before-call may start a new file, so that the records before and
@@ -129,40 +113,28 @@ void PutHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason,
   int32_t status = SetDataToWriteBuffer(cb, "-");
   cb->RotationPermitted = 0;
 
-  char buffer[HEADER_TEXT_SIZE];
-  RecordText text;
-  RecordTextStart(&text, buffer, sizeof buffer);
-
-  // The lines up to the time stamp are put together in a scratch buffer.
-  char lines[1 + SEQUENCE_LINES_SIZE + TIME_STAMP_TEXT_SIZE + 1];
-  char *p = lines;
-  *p++ = '\n';
+  // A header is a few lines of names, numbers and a time: it always fits.
+  TraceText text;
+  TraceTextStart(&text, cb, TRACE_TEXT_CUT);
+  TraceTextAppendChar(&text, '\n');
   bool numbered = apiExit ? (exitReason == ZKXR_BEFORE && function != ZKXF_DATA_CONV_ON_GET)
                           : (exitReason != ZKXR_INIT && exitReason != ZKXR_TERM);
   if (numbered) {
-    p = PutSequenceLines(cb, p);
+    AppendSequenceLines(cb, &text);
   }
   struct timeval now;
   int32_t stampLength = SetRecordTimeAndShow(cb, &now);
-  memcpy(p, cb->RecordTimeText, (size_t)stampLength);
-  p += stampLength;
-  *p++ = '\n';
-  RecordTextAppendScratch(&text, lines, p);
+  TraceTextAppend(&text, cb->RecordTimeText, stampLength);
+  TraceTextAppendChar(&text, '\n');
 
-  ZKLONG countCompCode = compCode;
-  ZKLONG countReason = reason;
   if (!apiExit) {
     // A channel exit: the exit reason, then the kind of channel exit.
     AppendNameLine(&text, '<', SearchConstantInt(exitReason, Constant_ExitReason), 0, false);
     AppendNameLine(&text, '(', SearchConstantInt(function, Constant_ChlExitId), 0, false);
     if (status == 0) {
-      RecordTextWrite(cb, &text);
+      TraceTextWrite(&text);
     }
-    if (exitReason != ZKXR_INIT && exitReason != ZKXR_TERM) {
-      IncrementResultCount(cb, function, &countCompCode, &countReason, first, second, 0, 0, 0, 0);
-    }
-    cb->RecordTimeText[0] = '\0';
-    return;
+    return exitReason != ZKXR_INIT && exitReason != ZKXR_TERM ? RECORD_COUNTED : RECORD_NOT_COUNTED;
   }
 
   AppendApiNames(&text, function, exitReason);
@@ -176,32 +148,29 @@ void PutHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason,
   }
 
   bool after = exitReason == ZKXR_AFTER;
-  int64_t elapsed = 0;
   if (after) {
     AppendResultLines(&text, function, compCode, reason);
-    CalculateApiCallTimeAndShow(cb, function, &now, nullptr, &elapsed);
-    p = PutLiteral(lines, "| API process time:");
-    p += FormatProcessTime(p, elapsed);
-    p = PutLiteral(p, " second\n");
-    RecordTextAppendScratch(&text, lines, p);
+    CalculateApiCallTimeAndShow(cb, function, &now, nullptr, elapsed);
+    TraceTextAppendLiteral(&text, "| API process time:");
+    AppendProcessTime(&text, *elapsed);
+    TraceTextAppendLiteral(&text, " second\n");
   }
   if (status == 0) {
-    RecordTextWrite(cb, &text);
+    TraceTextWrite(&text);
   }
-  if (after) {
-    IncrementResultCount(cb, function, &countCompCode, &countReason, first, second, 1, elapsed, 0,
-                         0);
-  }
-  cb->RecordTimeText[0] = '\0';
+  return after ? RECORD_COUNTED_WITH_TIME : RECORD_NOT_COUNTED;
 }
 
 void PutMsgToTrace(ExitControlBlock *cb, const char *text) {
   struct timeval now;
   char stamp[64];
   SetTimeAndShow(&now, stamp);
-  char buffer[512];
-  RecordText note;
-  RecordTextStart(&note, buffer, sizeof buffer);
-  RecordTextAppend(&note, "|\n|\n|  *** %s ***  %s\n|\n", text, stamp);
-  SetDataToWriteBuffer(cb, buffer);
+  TraceText note;
+  TraceTextStart(&note, cb, TRACE_TEXT_CUT);
+  TraceTextAppendLiteral(&note, "|\n|\n|  *** ");
+  TraceTextAppendString(&note, text);
+  TraceTextAppendLiteral(&note, " ***  ");
+  TraceTextAppendString(&note, stamp);
+  TraceTextAppendLiteral(&note, "\n|\n");
+  SetDataToWriteBuffer(cb, TraceTextString(&note));
 }

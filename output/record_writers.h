@@ -7,23 +7,31 @@
 #include "zk/zk.h"
 
 struct ExitControlBlock;
-struct CallCounterRecord;
 
 // Dump modes of PutHexDataLen.
 #define HEX_MODE_PLAIN 0
 #define HEX_MODE_PREFIXED 1
 
-// Writes the header record of a call before or after it. After the call it
-// shows the codes and the elapsed time and counts the call in the given
-// counter records (either may be null).
-void PutHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason, int32_t compCode,
-                     int32_t reason, CallCounterRecord *first, CallCounterRecord *second);
+// How a call whose record was written is to be counted.
+enum RecordCounting : int32_t {
+  RECORD_NOT_COUNTED,       // a before-call, or a channel exit's start or end
+  RECORD_COUNTED,           // a channel exit's call: counted without a time
+  RECORD_COUNTED_WITH_TIME, // an API call after it ran: counted with *elapsed
+};
 
-// The one-line record of summary-only mode; times and counts the call.
-// `md` may be null; `msgLength` -1 means none.
-void PutSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason,
-                     CallCounterRecord *first, CallCounterRecord *second, const ZKMD *md,
-                     int32_t msgLength);
+// Writes the header record of a call before or after it; after the call it
+// shows the codes and the elapsed time (also stored in *elapsed). The
+// record's time stamp stays in cb->RecordTimeText for the counting that
+// follows. The call counting itself is PutHeaderRecord's (exit/).
+RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason,
+                                 int32_t compCode, int32_t reason, int64_t *elapsed);
+
+// The one-line record of summary-only mode, unless ShowPerformanceOnly or a
+// ShowSummaryDataSuppress entry leaves it out. `md` may be null; `msgLength`
+// -1 means none. Returns the call's elapsed time; the time stamp stays in
+// cb->RecordTimeText as above. PutSimpleRecord (exit/) counts the call.
+int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason, const ZKMD *md,
+                          int32_t msgLength);
 
 // A note: "|  *** text ***  " with the time stamp.
 void PutMsgToTrace(ExitControlBlock *cb, const char *text);
@@ -35,11 +43,6 @@ void PutHexData(ExitControlBlock *cb, const char *title, const void *address, in
 // The same, dumping `dumpLength` bytes while the title shows `shownLength`.
 void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address, int32_t dumpLength,
                    int32_t mode, int32_t shownLength);
-
-// Dumps the text of a variable-length string; `base` is the address of the
-// structure that holds the descriptor, for offset-addressed text.
-void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
-                     const void *base);
 
 // High and low hex digit ("0"-"9", "A"-"F") of every byte value.
 extern const char GraphicHexUpper4Bits[256];

@@ -7,10 +7,9 @@
 #include <string.h>
 
 #include "exit/control_block.h"
-#include "exit/counting.h"
 #include "output/timing.h"
-#include "output/record_text.h"
 #include "output/trace_file.h"
+#include "output/trace_text.h"
 #include "text/constant_table.h"
 
 namespace {
@@ -18,8 +17,6 @@ namespace {
 // Message flags of a version-2 descriptor that place it in a group.
 #define MSG_FLAG_MSG_IN_GROUP 8
 #define MSG_FLAG_LAST_MSG_IN_GROUP 16
-
-#define SIMPLE_RECORD_TEXT_SIZE 1024
 
 const char kSimpleRecordHeading[] =
     "          Time                         API         CC Reason  Time(sec)  ObjectName       "
@@ -60,46 +57,43 @@ bool SimpleRecordWanted(const ExitControlBlock *cb, int32_t function, int32_t co
 // The 24 zero bytes of an identifier that is not set.
 const ZKBYTE24 kNoIdentifier = {};
 
-// A 24-byte identifier as 48 upper-case hex digits, high digit first, at `p`.
-char *PutIdentifier(char *p, const ZKBYTE24 identifier) {
-  for (size_t i = 0; i < sizeof(ZKBYTE24); i++) {
-    memcpy(p + 2 * i, FieldHexPairs + 2 * identifier[i], 2);
+// A 24-byte identifier as 48 upper-case hex digits, high digit first.
+void AppendIdentifier(TraceText *text, const ZKBYTE24 identifier) {
+  char *p = TraceTextReserve(text, 2 * sizeof(ZKBYTE24));
+  if (p == nullptr) {
+    return;
   }
-  return p + 2 * sizeof(ZKBYTE24);
+  for (size_t i = 0; i < sizeof(ZKBYTE24); i++) {
+    memcpy(p + 2 * i, HexDigitPair(identifier[i]), 2);
+  }
+  TraceTextCommit(text, p + 2 * sizeof(ZKBYTE24));
 }
-
-// Longest text of the descriptor's columns: a blank, an identifier, the
-// length, two blanks, an identifier, the sequence number and its note.
-#define DESCRIPTOR_TEXT_SIZE (1 + 48 + 10 + 2 + 48 + FORMAT_DECIMAL_SIZE + 15)
 
 // The descriptor's columns: message id, length, correlation id and the
 // message's place in its group.
-void AppendDescriptor(const ExitControlBlock *cb, RecordText *text, const ZKMD *md,
+void AppendDescriptor(const ExitControlBlock *cb, TraceText *text, const ZKMD *md,
                       int32_t msgLength) {
-  char columns[DESCRIPTOR_TEXT_SIZE];
-  char *p = columns;
-  *p++ = ' ';
-  p = PutIdentifier(p, md->MsgId);
+  TraceTextAppendChar(text, ' ');
+  AppendIdentifier(text, md->MsgId);
   if (msgLength != -1) {
-    p += FormatDecimalUInt32(p, (uint32_t)msgLength, 10, 0);
+    TraceTextAppendUInt32(text, (uint32_t)msgLength, 10);
   }
   if (cb->Settings.ShowSummaryCorrelId) {
     if (memcmp(md->CorrelId, kNoIdentifier, sizeof md->CorrelId) == 0) {
-      p = PutLiteral(p, "  (null)");
+      TraceTextAppendLiteral(text, "  (null)");
     } else {
-      p = PutLiteral(p, "  ");
-      p = PutIdentifier(p, md->CorrelId);
+      TraceTextAppendLiteral(text, "  ");
+      AppendIdentifier(text, md->CorrelId);
     }
   }
   if (md->Version >= ZKMD_VERSION_2) {
     if (md->MsgFlags & MSG_FLAG_LAST_MSG_IN_GROUP) {
-      p += FormatDecimalInt64(p, md->MsgSeqNumber, 8, 0);
-      p = PutLiteral(p, " (End of group)");
+      TraceTextAppendInt32(text, md->MsgSeqNumber, 8);
+      TraceTextAppendLiteral(text, " (End of group)");
     } else if (md->MsgFlags & MSG_FLAG_MSG_IN_GROUP) {
-      p += FormatDecimalInt64(p, md->MsgSeqNumber, 8, 0);
+      TraceTextAppendInt32(text, md->MsgSeqNumber, 8);
     }
   }
-  RecordTextAppendScratch(text, columns, p);
 }
 
 // Name of a reason: a queue-manager reason, or the return value of a
@@ -113,75 +107,58 @@ const char *ReasonName(int32_t function, int32_t reason) {
 
 } // namespace
 
-void PutSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason,
-                     CallCounterRecord *first, CallCounterRecord *second, const ZKMD *md,
-                     int32_t msgLength) {
+int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason, const ZKMD *md,
+                          int32_t msgLength) {
   int32_t function = cb->CurrentFunction;
   struct timeval now;
   int32_t stampLength = SetRecordTimeAndShow(cb, &now);
   int64_t elapsed = 0;
   CalculateApiCallTimeAndShow(cb, function, &now, nullptr, &elapsed);
-  ZKLONG countCompCode = compCode;
-  ZKLONG countReason = reason;
-
   if (SimpleRecordWanted(cb, function, compCode, reason)) {
     // The file may switch here, between calls.
     cb->RotationPermitted = 1;
     int32_t status = SetDataToWriteBuffer(cb, "");
 
-    char buffer[SIMPLE_RECORD_TEXT_SIZE];
-    RecordText text;
-    RecordTextStart(&text, buffer, sizeof buffer);
+    TraceText text;
+    TraceTextStart(&text, cb, TRACE_TEXT_CUT);
     if (cb->NewFileOpened) {
-      RecordTextAppendLiteral(&text, "-\n");
-      RecordTextAppendLiteral(&text, kSimpleRecordHeading);
+      TraceTextAppendLiteral(&text, "-\n");
+      TraceTextAppendLiteral(&text, kSimpleRecordHeading);
       if (cb->Settings.ShowSummaryCorrelId) {
-        RecordTextAppendLiteral(&text, "  CorrelId");
+        TraceTextAppendLiteral(&text, "  CorrelId");
       }
-      RecordTextAppendChar(&text, '\n');
+      TraceTextAppendChar(&text, '\n');
       cb->NewFileOpened = 0;
     }
-    // The columns around the two names are put together in a scratch line;
-    // the names are appended as they are. Either part fits: a number, a
-    // blank, the time stamp and two blanks; or two numbers, a blank, the
-    // elapsed time (below 32 bytes) and two blanks.
-    char columns[FORMAT_DECIMAL_SIZE + 1 + TIME_STAMP_TEXT_SIZE + 2 + 32];
-    char *p = columns;
-    p += FormatDecimalUInt32(p, cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, 8, 0);
-    *p++ = ' ';
-    memcpy(p, cb->RecordTimeText, (size_t)stampLength);
-    p = PutLiteral(p + stampLength, "  ");
-    RecordTextAppendScratch(&text, columns, p);
-    RecordTextAppendPadded(&text, SearchConstantInt(function, Constant_Function), 11);
-    p = columns;
-    p += FormatDecimalUInt32(p, (uint32_t)compCode, 3, 0);
-    p += FormatDecimalUInt32(p, (uint32_t)reason, 5, 0);
-    *p++ = ' ';
-    p += FormatProcessTime(p, elapsed);
-    p = PutLiteral(p, "  ");
-    RecordTextAppendScratch(&text, columns, p);
-    RecordTextAppendPadded(&text, function < ZKXF_XACLOSE ? cb->CurrentQueueName : "", 48);
+    TraceTextAppendUInt32(&text, cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, 8);
+    TraceTextAppendChar(&text, ' ');
+    TraceTextAppend(&text, cb->RecordTimeText, stampLength);
+    TraceTextAppendLiteral(&text, "  ");
+    TraceTextAppendPadded(&text, SearchConstantInt(function, Constant_Function), 11);
+    TraceTextAppendUInt32(&text, (uint32_t)compCode, 3);
+    TraceTextAppendUInt32(&text, (uint32_t)reason, 5);
+    TraceTextAppendChar(&text, ' ');
+    AppendProcessTime(&text, elapsed);
+    TraceTextAppendLiteral(&text, "  ");
+    TraceTextAppendPadded(&text, function < ZKXF_XACLOSE ? cb->CurrentQueueName : "", 48);
     if (md != nullptr && compCode != ZKCC_FAILED) {
       AppendDescriptor(cb, &text, md, msgLength);
     }
     if (reason != 0) {
-      p = PutLiteral(columns, " (");
-      p += FormatDecimalUInt32(p, (uint32_t)reason, 0, 0);
-      p = PutLiteral(p, " = ");
-      RecordTextAppendScratch(&text, columns, p);
-      RecordTextAppendString(&text, ReasonName(function, reason));
-      RecordTextAppendLiteral(&text, ")\n");
+      TraceTextAppendLiteral(&text, " (");
+      TraceTextAppendUInt32(&text, (uint32_t)reason, 0);
+      TraceTextAppendLiteral(&text, " = ");
+      TraceTextAppendString(&text, ReasonName(function, reason));
+      TraceTextAppendLiteral(&text, ")\n");
     } else {
-      RecordTextAppendChar(&text, '\n');
+      TraceTextAppendChar(&text, '\n');
     }
     if (status == 0) {
-      RecordTextWrite(cb, &text);
+      TraceTextWrite(&text);
     }
     if (cb->Settings.WriteAfterEachApi) {
       FlushTraceDataInBuffer(cb);
     }
   }
-
-  IncrementResultCount(cb, function, &countCompCode, &countReason, first, second, 1, elapsed, 0, 0);
-  cb->RecordTimeText[0] = '\0';
+  return elapsed;
 }

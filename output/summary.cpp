@@ -4,12 +4,11 @@
 // split.
 #include "output/summary.h"
 
-#include <stdio.h>
 #include <string.h>
 
 #include "exit/control_block.h"
 #include "output/timing.h"
-#include "output/trace_file.h"
+#include "output/trace_text.h"
 #include "output/statistics_index.h"
 
 namespace {
@@ -19,6 +18,8 @@ namespace {
   "---\n"
 
 #define MICROSECONDS_PER_SECOND 1000000LL
+// Width of the call name in the label of a channel row pair.
+#define PAIR_NAME_WIDTH 7
 
 // A summary row and the function whose counter records it shows.
 struct SummaryRow {
@@ -70,49 +71,44 @@ CallCounterRecord *RecordOf(ExitControlBlock *cb, int32_t function, int32_t peri
   return &cb->Statistics[index][period];
 }
 
-void WriteFormatted(ExitControlBlock *cb, const char *format, const char *value) {
-  char line[256];
-  snprintf(line, sizeof line, format, value);
-  WriteTraceData(cb, line);
-}
-
 // One process-time row; a function without records shows an empty row.
-void PutApiRow(ExitControlBlock *cb, const SummaryRow &row, int32_t period, int32_t mode) {
+void AppendApiRow(TraceText *t, ExitControlBlock *cb, const SummaryRow &row, int32_t period,
+                  int32_t mode) {
   CallCounterRecord empty;
   CallCounterRecord *record = RecordOf(cb, row.Function, period);
   if (record == nullptr) {
     memset(&empty, 0, sizeof empty);
     record = &empty;
   }
-  PutOneSummaryRecord(cb, row.Label, record, mode);
+  AppendOneSummaryRecord(t, row.Label, record, mode);
 }
 
-void PutApiRows(ExitControlBlock *cb, const SummaryRow *rows, int32_t count, int32_t period,
-                int32_t mode) {
+void AppendApiRows(TraceText *t, ExitControlBlock *cb, const SummaryRow *rows, int32_t count,
+                   int32_t period, int32_t mode) {
   for (int32_t i = 0; i < count; i++) {
-    PutApiRow(cb, rows[i], period, mode);
+    AppendApiRow(t, cb, rows[i], period, mode);
   }
 }
 
 // The process-time table of an API exit. `mode` applies to the ZKI rows and
 // the Total row; the transaction-manager rows always use mode 0, so their
 // split records are never zeroed.
-void PutApiSummaryTable(ExitControlBlock *cb, int32_t period, int32_t mode) {
-  WriteTraceData(cb, "|                                                          -------- Process "
-                     "time (second) -------\n");
-  WriteTraceData(cb, "|  API         Success     Info  Warning     Fail    Total      Average      "
-                     "Minimum      Maximum\n");
-  WriteTraceData(cb, "|  ---------- -------- -------- -------- -------- -------- ------------ "
-                     "------------ ------------\n");
-  PutApiRows(cb, kBaseRows, ROW_COUNT(kBaseRows), period, mode);
+void AppendApiSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t period, int32_t mode) {
+  TraceTextAppendLiteral(t, "|                                                          -------- "
+                            "Process time (second) -------\n"
+                            "|  API         Success     Info  Warning     Fail    Total      "
+                            "Average      Minimum      Maximum\n"
+                            "|  ---------- -------- -------- -------- -------- -------- "
+                            "------------ ------------ ------------\n");
+  AppendApiRows(t, cb, kBaseRows, ROW_COUNT(kBaseRows), period, mode);
   if (cb->ApiLevel >= API_LEVEL_700) {
-    PutApiRows(cb, kLevel700Rows, ROW_COUNT(kLevel700Rows), period, mode);
+    AppendApiRows(t, cb, kLevel700Rows, ROW_COUNT(kLevel700Rows), period, mode);
     if (cb->Settings.ShowXaCalls == 1) {
-      PutApiRows(cb, kXaRows, ROW_COUNT(kXaRows), period, 0);
+      AppendApiRows(t, cb, kXaRows, ROW_COUNT(kXaRows), period, 0);
     }
   }
-  WriteTraceData(cb, SUMMARY_DASHED_LINE);
-  PutOneSummaryRecord(cb, "Total", &cb->Totals[period], mode);
+  TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
+  AppendOneSummaryRecord(t, "Total", &cb->Totals[period], mode);
 }
 
 // Channel rows and the counter records they show. A channel build counts a
@@ -126,8 +122,8 @@ void PutApiSummaryTable(ExitControlBlock *cb, int32_t period, int32_t mode) {
 
 // A request row from the second measure of a record. With mode 1 the
 // second measure is zeroed after printing.
-void PutChannelRequestRow(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
-                          int32_t period, int32_t mode) {
+void AppendChannelRequestRow(TraceText *t, ExitControlBlock *cb, const char *label,
+                             CallCounterRecord *record, int32_t period, int32_t mode) {
   CallCounterRecord request;
   memset(&request, 0, sizeof request);
   if (record != nullptr) {
@@ -137,7 +133,7 @@ void PutChannelRequestRow(ExitControlBlock *cb, const char *label, CallCounterRe
     request.TimedCalls = record->SecondCount;
     request.CallCount = (uint32_t)record->SecondCount;
   }
-  PutOneChlSummaryRecordNorc(cb, label, &request, mode, &cb->Totals[period]);
+  AppendOneChlSummaryRecordNorc(t, label, &request, mode, &cb->Totals[period]);
   if (mode == 1 && record != nullptr) {
     record->SecondMinimum = 0;
     record->SecondMaximum = 0;
@@ -146,71 +142,91 @@ void PutChannelRequestRow(ExitControlBlock *cb, const char *label, CallCounterRe
   }
 }
 
-void PutChannelReplyRow(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
-                        int32_t mode) {
+void AppendChannelReplyRow(TraceText *t, const char *label, CallCounterRecord *record,
+                           int32_t mode) {
   CallCounterRecord empty;
   if (record == nullptr) {
     memset(&empty, 0, sizeof empty);
     record = &empty;
   }
-  PutOneChlSummaryRecord(cb, label, record, mode);
+  AppendOneChlSummaryRecord(t, label, record, mode);
 }
 
 // A request row shown from a record of its own.
-void PutChannelOwnRequestRow(ExitControlBlock *cb, const char *label, int32_t function,
-                             int32_t period, int32_t mode) {
+void AppendChannelOwnRequestRow(TraceText *t, ExitControlBlock *cb, const char *label,
+                                int32_t function, int32_t period, int32_t mode) {
   CallCounterRecord empty;
   CallCounterRecord *record = RecordOf(cb, function, period);
   if (record == nullptr) {
     memset(&empty, 0, sizeof empty);
     record = &empty;
   }
-  PutOneChlSummaryRecordNorc(cb, label, record, mode, &cb->Totals[period]);
+  AppendOneChlSummaryRecordNorc(t, label, record, mode, &cb->Totals[period]);
 }
 
-void PutChannelPair(ExitControlBlock *cb, const char *name, int32_t function, int32_t period,
-                    int32_t mode) {
+// The label of one row of a pair: the call's name left-justified in 7
+// columns, a blank and the kind of row, cut to fit the area.
+void SetPairLabel(char *label, size_t size, const char *name, const char *kind) {
+  size_t last = size - 1;
+  size_t at = 0;
+  for (const char *p = name; *p != '\0' && at < last; p++) {
+    label[at++] = *p;
+  }
+  while (at < PAIR_NAME_WIDTH && at < last) {
+    label[at++] = ' ';
+  }
+  if (at < last) {
+    label[at++] = ' ';
+  }
+  for (const char *p = kind; *p != '\0' && at < last; p++) {
+    label[at++] = *p;
+  }
+  label[at] = '\0';
+}
+
+void AppendChannelPair(TraceText *t, ExitControlBlock *cb, const char *name, int32_t function,
+                       int32_t period, int32_t mode) {
   char label[32];
   CallCounterRecord *record = RecordOf(cb, function, period);
-  snprintf(label, sizeof label, "%-7s request", name);
-  PutChannelRequestRow(cb, label, record, period, mode);
-  snprintf(label, sizeof label, "%-7s reply", name);
-  PutChannelReplyRow(cb, label, record, mode);
+  SetPairLabel(label, sizeof label, name, "request");
+  AppendChannelRequestRow(t, cb, label, record, period, mode);
+  SetPairLabel(label, sizeof label, name, "reply");
+  AppendChannelReplyRow(t, label, record, mode);
 }
 
-void PutChannelPairs(ExitControlBlock *cb, const SummaryRow *rows, int32_t count, int32_t period,
-                     int32_t mode) {
+void AppendChannelPairs(TraceText *t, ExitControlBlock *cb, const SummaryRow *rows, int32_t count,
+                        int32_t period, int32_t mode) {
   for (int32_t i = 0; i < count; i++) {
-    PutChannelPair(cb, rows[i].Label, rows[i].Function, period, mode);
+    AppendChannelPair(t, cb, rows[i].Label, rows[i].Function, period, mode);
   }
 }
 
 // The data-length table of a channel exit.
-void PutChannelSummaryTable(ExitControlBlock *cb, int32_t period, int32_t mode) {
-  WriteTraceData(cb, "|                                                               ---- Data "
-                     "length (byte) -----\n");
-  WriteTraceData(cb, "|  API              Success     Info  Warning     Fail    Total   Average   "
-                     "Minimum   Maximum\n");
-  WriteTraceData(cb, "|  --------------- -------- -------- -------- -------- -------- --------- "
-                     "--------- ---------\n");
-  PutChannelPairs(cb, kChannelBaseRows, ROW_COUNT(kChannelBaseRows), period, mode);
+void AppendChannelSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t period, int32_t mode) {
+  TraceTextAppendLiteral(t, "|                                                               ---- "
+                            "Data length (byte) -----\n"
+                            "|  API              Success     Info  Warning     Fail    Total   "
+                            "Average   Minimum   Maximum\n"
+                            "|  --------------- -------- -------- -------- -------- -------- "
+                            "--------- --------- ---------\n");
+  AppendChannelPairs(t, cb, kChannelBaseRows, ROW_COUNT(kChannelBaseRows), period, mode);
   if (cb->ApiLevel >= API_LEVEL_700) {
-    PutChannelPairs(cb, kLevel700Rows, ROW_COUNT(kLevel700Rows), period, mode);
+    AppendChannelPairs(t, cb, kLevel700Rows, ROW_COUNT(kLevel700Rows), period, mode);
   }
-  PutChannelPair(cb, "XA", ZKXF_XACLOSE, period, mode);
-  PutChannelOwnRequestRow(cb, "XMIT    send", ZKXF_XACOMMIT, period, mode);
-  PutChannelOwnRequestRow(cb, "XMIT    receive", ZKXF_XACOMPLETE, period, mode);
-  PutChannelOwnRequestRow(cb, "MSG", ZKXF_XAEND, period, mode);
-  PutChannelOwnRequestRow(cb, "others", ZKXF_XAFORGET, period, mode);
-  WriteTraceData(cb, SUMMARY_DASHED_LINE);
-  PutOneChlSummaryRecord(cb, "Total", &cb->Totals[period], mode);
+  AppendChannelPair(t, cb, "XA", ZKXF_XACLOSE, period, mode);
+  AppendChannelOwnRequestRow(t, cb, "XMIT    send", ZKXF_XACOMMIT, period, mode);
+  AppendChannelOwnRequestRow(t, cb, "XMIT    receive", ZKXF_XACOMPLETE, period, mode);
+  AppendChannelOwnRequestRow(t, cb, "MSG", ZKXF_XAEND, period, mode);
+  AppendChannelOwnRequestRow(t, cb, "others", ZKXF_XAFORGET, period, mode);
+  TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
+  AppendOneChlSummaryRecord(t, "Total", &cb->Totals[period], mode);
 }
 
-void PutSummaryTable(ExitControlBlock *cb, int32_t period, int32_t mode) {
+void AppendSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t period, int32_t mode) {
   if (cb->ExitType == EXIT_TYPE_CHANNEL) {
-    PutChannelSummaryTable(cb, period, mode);
+    AppendChannelSummaryTable(t, cb, period, mode);
   } else {
-    PutApiSummaryTable(cb, period, mode);
+    AppendApiSummaryTable(t, cb, period, mode);
   }
 }
 
@@ -229,31 +245,39 @@ int64_t MicrosecondsBetween(const struct timeval *from, const struct timeval *to
          ((int64_t)to->tv_usec - (int64_t)from->tv_usec);
 }
 
-void PutSplitDuration(ExitControlBlock *cb, int64_t microseconds) {
+// The split's length as hours (at least two digits), minutes, seconds and
+// microseconds.
+void AppendSplitDuration(TraceText *t, int64_t microseconds) {
   if (microseconds < 0) {
     microseconds = 0;
   }
   int64_t seconds = microseconds / MICROSECONDS_PER_SECOND;
-  char line[96];
-  snprintf(line, sizeof line, "|  duration         [%02u:%02u:%02u.%06u]\n",
-           (unsigned)(seconds / 3600), (unsigned)(seconds / 60 % 60), (unsigned)(seconds % 60),
-           (unsigned)(microseconds % MICROSECONDS_PER_SECOND));
-  WriteTraceData(cb, line);
+  TraceTextAppendLiteral(t, "|  duration         [");
+  TraceTextAppendZeroPadded(t, (uint32_t)(seconds / 3600), 2);
+  TraceTextAppendChar(t, ':');
+  TraceTextAppendZeroPadded(t, (uint32_t)(seconds / 60 % 60), 2);
+  TraceTextAppendChar(t, ':');
+  TraceTextAppendZeroPadded(t, (uint32_t)(seconds % 60), 2);
+  TraceTextAppendChar(t, '.');
+  TraceTextAppendZeroPadded(t, (uint32_t)(microseconds % MICROSECONDS_PER_SECOND), 6);
+  TraceTextAppendLiteral(t, "]\n");
 }
 
-void PutSplitSummary(ExitControlBlock *cb, const struct timeval *now, const char *nowText,
-                     int64_t elapsed) {
-  char line[96];
+void AppendSplitSummary(TraceText *t, ExitControlBlock *cb, const struct timeval *now,
+                        const char *nowText, int64_t elapsed) {
   cb->SplitSequence++;
-  WriteTraceData(cb, SUMMARY_DASHED_LINE);
-  snprintf(line, sizeof line, "|Split summary (%u)\n", cb->SplitSequence);
-  WriteTraceData(cb, line);
-  WriteFormatted(cb, "|  start %s\n", cb->SplitStartText);
-  WriteFormatted(cb, "|  end   %s\n", nowText);
-  PutSplitDuration(cb, elapsed);
-  PutSummaryTable(cb, COUNTER_SPLIT, 1);
-  WriteTraceData(cb, SUMMARY_DASHED_LINE);
-  WriteTraceData(cb, "|\n|\n|\n");
+  TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
+  TraceTextAppendLiteral(t, "|Split summary (");
+  TraceTextAppendUInt32(t, cb->SplitSequence, 0);
+  TraceTextAppendLiteral(t, ")\n|  start ");
+  TraceTextAppendString(t, cb->SplitStartText);
+  TraceTextAppendLiteral(t, "\n|  end   ");
+  TraceTextAppendString(t, nowText);
+  TraceTextAppendChar(t, '\n');
+  AppendSplitDuration(t, elapsed);
+  AppendSummaryTable(t, cb, COUNTER_SPLIT, 1);
+  TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
+  TraceTextAppendLiteral(t, "|\n|\n|\n");
   if (now != nullptr) {
     cb->SplitStartTime = *now;
   }
@@ -280,16 +304,20 @@ void PutSummaryRecord(ExitControlBlock *cb) {
     elapsed = MicrosecondsBetween(&cb->SplitStartTime, &now);
   }
 
-  WriteTraceData(cb, "-");
-  WriteTraceData(cb, "\n");
-  WriteTraceData(cb, SUMMARY_DASHED_LINE);
-  WriteFormatted(cb, "|Call summary - %s\n", nowText);
-  PutSummaryTable(cb, COUNTER_CUMULATIVE, 0);
-  WriteTraceData(cb, SUMMARY_DASHED_LINE);
-  WriteTraceData(cb, "\n");
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  TraceTextAppendLiteral(&t, "-\n");
+  TraceTextAppendLiteral(&t, SUMMARY_DASHED_LINE);
+  TraceTextAppendLiteral(&t, "|Call summary - ");
+  TraceTextAppendString(&t, nowText);
+  TraceTextAppendChar(&t, '\n');
+  AppendSummaryTable(&t, cb, COUNTER_CUMULATIVE, 0);
+  TraceTextAppendLiteral(&t, SUMMARY_DASHED_LINE);
+  TraceTextAppendChar(&t, '\n');
 
   if (cb->Settings.ShowPerformanceIntervalTime >= 1 ||
       cb->Settings.ShowPerformanceIntervalCount >= 1) {
-    PutSplitSummary(cb, cb->NoAddress == 0 ? &now : nullptr, nowText, elapsed);
+    AppendSplitSummary(&t, cb, cb->NoAddress == 0 ? &now : nullptr, nowText, elapsed);
   }
+  TraceTextWrite(&t);
 }

@@ -1,17 +1,20 @@
 // One row of a summary table: process times of an API call, or data
 // lengths of a channel reply or request.
-#include <stdio.h>
 #include <string.h>
 
 #include "exit/control_block.h"
 #include "output/summary.h"
-#include "output/trace_file.h"
 #include "output/timing.h"
+#include "output/trace_text.h"
 
 namespace {
 
-// Room for one formatted process time; the widest 64-bit value fits.
-#define PROCESS_TIME_TEXT_SIZE 200
+// Width of the label column of an API row and of a channel row.
+#define API_LABEL_WIDTH 11
+#define CHANNEL_LABEL_WIDTH 16
+// Width of a count column and of a data length column.
+#define COUNT_WIDTH 8
+#define LENGTH_WIDTH 10
 
 void ZeroRecord(CallCounterRecord *record) {
   memset(record, 0, sizeof *record);
@@ -22,65 +25,72 @@ int64_t AverageOf(const CallCounterRecord *record) {
   return record->TotalTime / record->TimedCalls;
 }
 
-void WriteProcessTime(ExitControlBlock *cb, int64_t microseconds) {
-  char text[PROCESS_TIME_TEXT_SIZE];
-  ReformatProcessTime(text, (int32_t)sizeof text, microseconds);
-  WriteTraceData(cb, text);
+// "|  ", the label left-justified in its column, then the five result
+// counts, blank-separated.
+void AppendLabelAndCounts(TraceText *t, const char *label, int32_t labelWidth,
+                          const CallCounterRecord *record) {
+  TraceTextAppendLiteral(t, "|  ");
+  TraceTextAppendPadded(t, label, labelWidth);
+  TraceTextAppendInt32(t, (int32_t)record->OkCount, COUNT_WIDTH);
+  TraceTextAppendChar(t, ' ');
+  TraceTextAppendInt32(t, (int32_t)record->ExpectedFailureCount, COUNT_WIDTH);
+  TraceTextAppendChar(t, ' ');
+  TraceTextAppendInt32(t, (int32_t)record->WarningCount, COUNT_WIDTH);
+  TraceTextAppendChar(t, ' ');
+  TraceTextAppendInt32(t, (int32_t)record->ErrorCount, COUNT_WIDTH);
+  TraceTextAppendChar(t, ' ');
+  TraceTextAppendInt32(t, (int32_t)record->CallCount, COUNT_WIDTH);
+}
+
+// Average, minimum and maximum data length, each in its column.
+void AppendLengths(TraceText *t, const CallCounterRecord *record) {
+  TraceTextAppendInt64(t, AverageOf(record), LENGTH_WIDTH);
+  TraceTextAppendInt64(t, record->MinimumTime, LENGTH_WIDTH);
+  TraceTextAppendInt64(t, record->MaximumTime, LENGTH_WIDTH);
 }
 
 } // namespace
 
-void PutOneSummaryRecord(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
-                         int32_t mode) {
-  char line[128];
-  snprintf(line, sizeof line, "|  %-11s%8d %8d %8d %8d %8d ", label, (int32_t)record->OkCount,
-           (int32_t)record->ExpectedFailureCount, (int32_t)record->WarningCount,
-           (int32_t)record->ErrorCount, (int32_t)record->CallCount);
-  WriteTraceData(cb, line);
-  if (record->TimedCalls > 0) {
-    WriteProcessTime(cb, AverageOf(record));
-    WriteTraceData(cb, " ");
-    WriteProcessTime(cb, record->MinimumTime);
-    WriteTraceData(cb, " ");
-    WriteProcessTime(cb, record->MaximumTime);
-  }
-  WriteTraceData(cb, "\n");
-  if (mode == 1) {
-    ZeroRecord(record);
-  }
-}
-
-void PutOneChlSummaryRecord(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
+void AppendOneSummaryRecord(TraceText *t, const char *label, CallCounterRecord *record,
                             int32_t mode) {
-  char line[160];
-  int32_t n =
-      snprintf(line, sizeof line, "|  %-16s%8d %8d %8d %8d %8d", label, (int32_t)record->OkCount,
-               (int32_t)record->ExpectedFailureCount, (int32_t)record->WarningCount,
-               (int32_t)record->ErrorCount, (int32_t)record->CallCount);
-  if (record->TimedCalls > 0 && n > 0 && n < (int32_t)sizeof line) {
-    snprintf(line + n, sizeof line - (size_t)n, "%10lld%10lld%10lld", (long long)AverageOf(record),
-             (long long)record->MinimumTime, (long long)record->MaximumTime);
+  AppendLabelAndCounts(t, label, API_LABEL_WIDTH, record);
+  TraceTextAppendChar(t, ' ');
+  if (record->TimedCalls > 0) {
+    AppendProcessTime(t, AverageOf(record));
+    TraceTextAppendChar(t, ' ');
+    AppendProcessTime(t, record->MinimumTime);
+    TraceTextAppendChar(t, ' ');
+    AppendProcessTime(t, record->MaximumTime);
   }
-  WriteTraceData(cb, line);
-  WriteTraceData(cb, "\n");
+  TraceTextAppendChar(t, '\n');
   if (mode == 1) {
     ZeroRecord(record);
   }
 }
 
-void PutOneChlSummaryRecordNorc(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
-                                int32_t mode, CallCounterRecord *total) {
-  char line[160];
+void AppendOneChlSummaryRecord(TraceText *t, const char *label, CallCounterRecord *record,
+                               int32_t mode) {
+  AppendLabelAndCounts(t, label, CHANNEL_LABEL_WIDTH, record);
   if (record->TimedCalls > 0) {
-    snprintf(line, sizeof line,
-             "|  %-16s                                    %8d%10lld%10lld%10lld\n", label,
-             (int32_t)record->CallCount, (long long)AverageOf(record),
-             (long long)record->MinimumTime, (long long)record->MaximumTime);
-  } else {
-    snprintf(line, sizeof line, "|  %-16s                                    %8d\n", label,
-             (int32_t)record->CallCount);
+    AppendLengths(t, record);
   }
-  WriteTraceData(cb, line);
+  TraceTextAppendChar(t, '\n');
+  if (mode == 1) {
+    ZeroRecord(record);
+  }
+}
+
+void AppendOneChlSummaryRecordNorc(TraceText *t, const char *label, CallCounterRecord *record,
+                                   int32_t mode, CallCounterRecord *total) {
+  // A request has no result counts: their four columns stay blank.
+  TraceTextAppendLiteral(t, "|  ");
+  TraceTextAppendPadded(t, label, CHANNEL_LABEL_WIDTH);
+  TraceTextAppendRepeat(t, ' ', 4 * (COUNT_WIDTH + 1));
+  TraceTextAppendInt32(t, (int32_t)record->CallCount, COUNT_WIDTH);
+  if (record->TimedCalls > 0) {
+    AppendLengths(t, record);
+  }
+  TraceTextAppendChar(t, '\n');
   // A request carries no result: its result counts leave the Total row,
   // whose result columns then count replies only while its total column
   // still counts every exchange.
@@ -95,4 +105,28 @@ void PutOneChlSummaryRecordNorc(ExitControlBlock *cb, const char *label, CallCou
   if (mode == 1) {
     ZeroRecord(record);
   }
+}
+
+void PutOneSummaryRecord(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
+                         int32_t mode) {
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  AppendOneSummaryRecord(&t, label, record, mode);
+  TraceTextWrite(&t);
+}
+
+void PutOneChlSummaryRecord(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
+                            int32_t mode) {
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  AppendOneChlSummaryRecord(&t, label, record, mode);
+  TraceTextWrite(&t);
+}
+
+void PutOneChlSummaryRecordNorc(ExitControlBlock *cb, const char *label, CallCounterRecord *record,
+                                int32_t mode, CallCounterRecord *total) {
+  TraceText t;
+  TraceTextStart(&t, cb, TRACE_TEXT_WRITE_OUT);
+  AppendOneChlSummaryRecordNorc(&t, label, record, mode, total);
+  TraceTextWrite(&t);
 }

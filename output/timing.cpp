@@ -7,7 +7,8 @@
 #include <time.h>
 
 #include "exit/control_block.h"
-#include "format/field_primitives.h"
+#include "output/trace_text.h"
+#include "text/number_text.h"
 
 namespace {
 
@@ -95,6 +96,18 @@ int32_t FormatProcessTime(char *text, int64_t microseconds) {
   }
   *p = '\0';
   return (int32_t)(p - text);
+}
+
+void AppendProcessTime(TraceText *text, int64_t microseconds) {
+  if (microseconds >= 0 && microseconds <= 0xFFFFFFFFLL) {
+    uint32_t value = (uint32_t)microseconds; // 32-bit arithmetic, as above
+    TraceTextAppendUInt32(text, value / 1000000, 5);
+    TraceTextAppendChar(text, '.');
+    TraceTextAppendZeroPadded(text, value % 1000000, 6);
+    return;
+  }
+  char area[32];
+  TraceTextAppend(text, area, FormatProcessTime(area, microseconds));
 }
 
 void SetConnectionStartTime(ExitControlBlock *cb) {

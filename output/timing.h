@@ -23,6 +23,10 @@ int32_t SetRecordTimeAndShow(ExitControlBlock *cb, struct timeval *now);
 // length. `text` needs room for 32 bytes.
 int32_t FormatProcessTime(char *text, int64_t microseconds);
 
+// The same elapsed time appended to a trace text.
+struct TraceText;
+void AppendProcessTime(TraceText *text, int64_t microseconds);
+
 // Records the connection's start time and its text in the control block.
 void SetConnectionStartTime(ExitControlBlock *cb);
 

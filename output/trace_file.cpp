@@ -18,12 +18,13 @@
 #include <unistd.h>
 
 #include "exit/alerts.h"
-#include "exit/commands.h"
+#include "output/commands.h"
 #include "exit/exit_files.h"
 #include "exit/control_block.h"
 #include "output/process_id.h"
 #include "output/profile.h"
 #include "output/summary.h"
+#include "output/trace_text.h"
 
 namespace {
 
@@ -37,10 +38,14 @@ uint32_t CurrentThreadId() {
   return (uint32_t)(uintptr_t)pthread_self();
 }
 
+// Writes the pieces one after the other as one text.
 void WriteLines(ExitControlBlock *cb, const char *const *lines, size_t count) {
+  TraceText text;
+  TraceTextStart(&text, cb, TRACE_TEXT_WRITE_OUT);
   for (size_t i = 0; i < count; i++) {
-    WriteTraceData(cb, lines[i]);
+    TraceTextAppendString(&text, lines[i]);
   }
+  TraceTextWrite(&text);
 }
 
 // Opens cb->TraceFilePath: a stream in append mode, or a descriptor on the
@@ -122,8 +127,9 @@ void ResetFileCounters(ExitControlBlock *cb) {
 }
 
 void WriteUnknownAttributeBlock(ExitControlBlock *cb) {
-  char contact[200];
-  snprintf(contact, sizeof contact, "|**   report to %s with this trace data.\n", cb->MakerContact);
+  char contact[sizeof cb->MakerContact + 1];
+  memcpy(contact, cb->MakerContact, sizeof cb->MakerContact);
+  contact[sizeof cb->MakerContact] = '\0';
   const char *const lines[] = {
       "\n",
       kStarLine,
@@ -131,7 +137,9 @@ void WriteUnknownAttributeBlock(ExitControlBlock *cb) {
       "|**\n",
       "|**   Unknown ZK attribute exists.\n",
       "|**   Please check ZK attribute settings in your program or\n",
+      "|**   report to ",
       contact,
+      " with this trace data.\n",
       "|**   (New attributes might have been supported by Tarnvelde ZK.)\n",
       "|**\n",
       kStarLine,
@@ -142,12 +150,13 @@ void WriteUnknownAttributeBlock(ExitControlBlock *cb) {
 }
 
 void WriteThreadChangedBlock(ExitControlBlock *cb) {
-  char extension[100];
-  snprintf(extension, sizeof extension,
-           "|**   File extension '%s' is not set after closing this file.\n", ".txt");
   const char *const lines[] = {
-      "|\n",     kStarLine, "|**   Thread id has been changed after opening trace file.\n",
-      extension, kStarLine, "|\n",
+      "|\n",
+      kStarLine,
+      "|**   Thread id has been changed after opening trace file.\n",
+      "|**   File extension '.txt' is not set after closing this file.\n",
+      kStarLine,
+      "|\n",
   };
   WriteLines(cb, lines, sizeof lines / sizeof lines[0]);
 }
@@ -207,21 +216,27 @@ void NoteProcessOrThreadChange(ExitControlBlock *cb) {
     return;
   }
   if (cb->SuppressProcessChangeNotes == 0) {
-    char line[120];
-    WriteTraceData(cb, "|\n");
-    WriteTraceData(cb, kNoteDashLine);
+    TraceText note;
+    TraceTextStart(&note, cb, TRACE_TEXT_WRITE_OUT);
+    TraceTextAppendLiteral(&note, "|\n");
+    TraceTextAppendLiteral(&note, kNoteDashLine);
     if (processId != recordedProcessId) {
-      snprintf(line, sizeof line, "|  Process id (real) has been changed from %u to %u.\n",
-               (unsigned)recordedProcessId, (unsigned)processId);
-      WriteTraceData(cb, line);
+      TraceTextAppendLiteral(&note, "|  Process id (real) has been changed from ");
+      TraceTextAppendUInt32(&note, recordedProcessId, 0);
+      TraceTextAppendLiteral(&note, " to ");
+      TraceTextAppendUInt32(&note, processId, 0);
+      TraceTextAppendLiteral(&note, ".\n");
     }
     if (threadId != recordedThreadId) {
-      snprintf(line, sizeof line, "|  Thread id (real) has been changed from %u to %u.\n",
-               (unsigned)recordedThreadId, (unsigned)threadId);
-      WriteTraceData(cb, line);
+      TraceTextAppendLiteral(&note, "|  Thread id (real) has been changed from ");
+      TraceTextAppendUInt32(&note, recordedThreadId, 0);
+      TraceTextAppendLiteral(&note, " to ");
+      TraceTextAppendUInt32(&note, threadId, 0);
+      TraceTextAppendLiteral(&note, ".\n");
     }
-    WriteTraceData(cb, kNoteDashLine);
-    WriteTraceData(cb, "|\n");
+    TraceTextAppendLiteral(&note, kNoteDashLine);
+    TraceTextAppendLiteral(&note, "|\n");
+    TraceTextWrite(&note);
   }
   cb->RecordedProcessId = (int32_t)processId;
   cb->RecordedThreadId = threadId;

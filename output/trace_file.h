@@ -14,6 +14,8 @@ int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text);
 
 // Writes a text through the buffer, without the file-switch check. 0 or -1.
 int32_t WriteTraceData(ExitControlBlock *cb, const char *text);
+// The same for a text whose length is known; text[length] must be its NUL.
+int32_t WriteTraceDataLength(ExitControlBlock *cb, const char *text, int32_t length);
 
 // Writes the buffer out. 0 or -1.
 int32_t FlushTraceDataInBuffer(ExitControlBlock *cb);

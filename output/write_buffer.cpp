@@ -12,7 +12,6 @@
 
 #include "exit/alerts.h"
 #include "exit/control_block.h"
-#include "output/record_text.h"
 
 namespace {
 
@@ -107,11 +106,11 @@ int32_t WriteTraceData(ExitControlBlock *cb, const char *text) {
   return WriteText(cb, text, strlen(text));
 }
 
-int32_t RecordTextWrite(ExitControlBlock *cb, const RecordText *r) {
-  if (cb == nullptr) {
+int32_t WriteTraceDataLength(ExitControlBlock *cb, const char *text, int32_t length) {
+  if (cb == nullptr || text == nullptr || length < 0) {
     return -1;
   }
-  return WriteText(cb, r->Buffer, (size_t)r->Length);
+  return WriteText(cb, text, (size_t)length);
 }
 
 int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {

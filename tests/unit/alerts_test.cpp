@@ -10,7 +10,7 @@
 #include <string>
 
 #include "exit/alerts.h"
-#include "exit/commands.h"
+#include "output/commands.h"
 #include "exit/control_block.h"
 #include "exit/message_tables.h"
 #include "tests/unit/alerts_fixture.h"

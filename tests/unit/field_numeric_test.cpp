@@ -8,7 +8,8 @@
 
 #include <string>
 
-#include "format/field_primitives.h"
+#include "output/profile.h"
+#include "text/number_text.h"
 #include "tests/unit/capture.h"
 
 namespace {

@@ -222,7 +222,7 @@ TEST(FieldLineBuilder, HexPairsOfEveryByte) {
   for (int b = 0; b < 256; b++) {
     char expected[3];
     snprintf(expected, sizeof expected, "%02X", b);
-    ASSERT_EQ(std::string(FieldHexPair((uint8_t)b), 2), expected) << b;
+    ASSERT_EQ(std::string(HexDigitPair((uint8_t)b), 2), expected) << b;
   }
 }
 
@@ -234,29 +234,29 @@ TEST(FieldLineBuilder, NumbersAgreeWithPrintf) {
       INT32_MIN, 4294967295, 4294967296, -4294967296, INT64_MAX, INT64_MIN, 1234567890123LL};
   for (int64_t v : samples) {
     char expected[64];
-    TraceLine line;
-    TraceLineStart(&line, capture.cb());
-    TraceLineAppendInt64(&line, v, 6);
-    TraceLineAppendChar(&line, '|');
+    TraceText line;
+    TraceTextStart(&line, capture.cb(), TRACE_TEXT_WRITE_OUT);
+    TraceTextAppendInt64(&line, v, 6);
+    TraceTextAppendChar(&line, '|');
     if (v >= INT32_MIN && v <= INT32_MAX) {
-      TraceLineAppendInt32(&line, (int32_t)v, 0);
-      TraceLineAppendChar(&line, '|');
-      TraceLineAppendUInt32(&line, (uint32_t)v, 12);
+      TraceTextAppendInt32(&line, (int32_t)v, 0);
+      TraceTextAppendChar(&line, '|');
+      TraceTextAppendUInt32(&line, (uint32_t)v, 12);
       snprintf(expected, sizeof expected, "%6lld|%d|%12u", (long long)v, (int)v, (unsigned)v);
     } else {
       snprintf(expected, sizeof expected, "%6lld|", (long long)v);
     }
-    TraceLineWrite(&line);
+    TraceTextWrite(&line);
     ASSERT_EQ(capture.Take(), expected) << v;
   }
   for (uint64_t step = 1; step <= 0xFFFFFFFFu; step = step * 3 + 7) {
     uint32_t v = (uint32_t)step;
     char expected[16];
     snprintf(expected, sizeof expected, "%08X", v);
-    TraceLine line;
-    TraceLineStart(&line, capture.cb());
-    TraceLineAppendHex32(&line, v);
-    TraceLineWrite(&line);
+    TraceText line;
+    TraceTextStart(&line, capture.cb(), TRACE_TEXT_WRITE_OUT);
+    TraceTextAppendHex32(&line, v);
+    TraceTextWrite(&line);
     ASSERT_EQ(capture.Take(), expected) << v;
   }
 }

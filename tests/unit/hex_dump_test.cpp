@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "format/field_primitives.h"
 #include "output/record_writers.h"
 #include "tests/unit/trace_capture.h"
 

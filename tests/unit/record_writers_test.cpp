@@ -8,6 +8,7 @@
 #include <string>
 
 #include "exit/control_block.h"
+#include "exit/call_records.h"
 #include "exit/counting.h"
 #include "output/record_writers.h"
 #include "tests/unit/trace_capture.h"

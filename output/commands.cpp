@@ -1,5 +1,5 @@
 // External commands run by the exit.
-#include "exit/commands.h"
+#include "output/commands.h"
 
 #include <errno.h>
 #include <fcntl.h>

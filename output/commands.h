@@ -1,9 +1,6 @@
 // External commands: the compress command of closed trace files and the
 // reformatting tool. Text from outside (paths that hold application names)
 // reaches a shell only as a quoted word.
-//
-// A hub beside the alerts: trace output starts the compress command, so
-// every folder may include this header.
 #pragma once
 
 #include <stddef.h>

@@ -1,0 +1,41 @@
+// Numbers as text, converted by hand (two digits per step, 32-bit
+// arithmetic for 32-bit values) rather than through the printf family: they
+// run for every record and every field of every traced structure. The trace
+// text builder appends through these; the clock and the profile use them on
+// plain buffers.
+#pragma once
+
+#include <stdint.h>
+
+// Room for any 64-bit decimal with its sign.
+#define FORMAT_DECIMAL_SIZE 20
+
+// Writes the decimal digits of `value` so that they end just before `end`
+// and returns the position of the first one. `end` needs 10 bytes before it.
+char *DecimalDigitsBackwards32(char *end, uint32_t value);
+// The same for a 64-bit value (20 bytes before `end`).
+char *DecimalDigitsBackwards64(char *end, uint64_t value);
+
+// The value right-aligned in `width` columns (0: no padding), written at
+// `out` without a NUL; returns the number of characters. Padding is blanks
+// before the sign ("%*lld"), or with zeroPad zeros after it ("%0*lld").
+// `out` needs room for FORMAT_DECIMAL_SIZE characters or `width`,
+// whichever is more.
+int32_t FormatDecimalInt64(char *out, int64_t value, int32_t width, uint8_t zeroPad);
+int32_t FormatDecimalUInt32(char *out, uint32_t value, int32_t width, uint8_t zeroPad);
+
+// The upper-case hex digit pairs of all byte values in order, "00" to "FF".
+extern const char HexDigitPairs[513];
+// The two hex digits of a byte.
+inline const char *HexDigitPair(uint8_t byte) {
+  return HexDigitPairs + 2 * byte;
+}
+
+// Writes the value's digits with `separator` before every group of three that
+// has digits in front of it into `area` (at least 28 bytes), NUL-terminated;
+// returns the length.
+int32_t FormatNumericWithSeparators(char *area, uint64_t value, char separator);
+
+// The group separator for FormatNumericWithSeparators in the current locale:
+// "," or, where the locale's decimal point is ",", ".".
+char NumericGroupSeparator(void);
