@@ -60,8 +60,8 @@ void HeaderRecords(ExitControlBlock *cb) {
 }
 void SummaryLines(ExitControlBlock *cb) {
   cb->Settings.WriteAfterEachApi = 0; // collected in the buffer, as the headers are
-  cb->CurrentFunction = ZKXF_PUT;
-  strcpy(cb->CurrentQueueName, "APP.REQUEST.QUEUE");
+  cb->Call.CurrentFunction = ZKXF_PUT;
+  strcpy(cb->Call.CurrentQueueName, "APP.REQUEST.QUEUE");
   PutSimpleRecord(cb, 0, 0, &gFirst, &gSecond, &gMd, 100);
 }
 
@@ -76,11 +76,11 @@ ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize) {
   SetDefaultParameterSettings(&cb->Settings);
   cb->Settings.MaxFileSize = 2000000000;
   cb->WriteBufferSize = bufferSize;
-  cb->FileDescriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path);
+  cb->File.FileDescriptor = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s", path);
   FillCodeRangeMap(&cb->CodeRange, 819);
   // The records' elapsed times count from here, as from a call's start.
-  gettimeofday(&cb->ApiBeforeTime, nullptr);
+  gettimeofday(&cb->Clock.ApiBeforeTime, nullptr);
   return cb;
 }
 
@@ -115,8 +115,8 @@ int RunCounted(const char *path, long calls, long row) {
   }
   FlushTraceDataInBuffer(cb);
   printf("%s: %ld calls, %lld bytes\n", kBenches[row - 1].Name, calls,
-         (long long)cb->CurrentFileSize);
-  close(cb->FileDescriptor);
+         (long long)cb->File.CurrentFileSize);
+  close(cb->File.FileDescriptor);
   free(cb);
   return 0;
 }
@@ -150,8 +150,8 @@ int main(int argc, char **argv) {
       elapsed = Now() - start;
     } while (elapsed < budget);
     FlushTraceDataInBuffer(cb);
-    int64_t bytes = cb->CurrentFileSize;
-    close(cb->FileDescriptor);
+    int64_t bytes = cb->File.CurrentFileSize;
+    close(cb->File.FileDescriptor);
     free(cb);
     double raw = RawWriteSeconds(path, bytes, kBuffer);
     printf("%-28s %14.1f %14.1f %14.1f\n", bench.Name, (double)bytes / elapsed / 1e6,

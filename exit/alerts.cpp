@@ -148,11 +148,11 @@ void MessageIdentity(const ExitControlBlock *cb, uint32_t *pid, uint32_t *tid) {
   *pid = (uint32_t)getpid();
   *tid = (uint32_t)pthread_self();
   if (cb != nullptr) {
-    if (cb->ProcessId != 0) {
-      *pid = (uint32_t)cb->ProcessId;
+    if (cb->Identity.ProcessId != 0) {
+      *pid = (uint32_t)cb->Identity.ProcessId;
     }
-    if (cb->ThreadId != 0) {
-      *tid = cb->ThreadId;
+    if (cb->Identity.ThreadId != 0) {
+      *tid = cb->Identity.ThreadId;
     }
   }
 }
@@ -201,7 +201,8 @@ int32_t BuildMessageLine(char *out, int32_t size, const ExitControlBlock *cb, ui
   AppendText(&line, "  ");
   if (cb != nullptr) {
     AppendText(&line, "[");
-    Append(&line, cb->ProcessName, strnlen(cb->ProcessName, sizeof cb->ProcessName));
+    Append(&line, cb->Identity.ProcessName,
+           strnlen(cb->Identity.ProcessName, sizeof cb->Identity.ProcessName));
     AppendText(&line, "] ");
   }
   snprintf(piece, sizeof piece, "(%u.%u) Msg%u: ", pid, tid, number);
@@ -236,7 +237,7 @@ void PutMessageArguments(const ExitControlBlock *cb, uint32_t number, int32_t er
                                                                           : "wz_apiexit_error";
   char path[512];
   if (cb != nullptr) {
-    snprintf(path, sizeof path, "%s%s_%u_%u.txt", cb->TraceDirectory, kind, pid, tid);
+    snprintf(path, sizeof path, "%s%s_%u_%u.txt", cb->File.TraceDirectory, kind, pid, tid);
     if (AppendToExitFile(path, line, (size_t)length) == 0) {
       errno = savedErrno;
       return;

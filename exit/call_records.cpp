@@ -16,16 +16,16 @@ void PutHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason,
     IncrementResultCount(cb, function, &countCompCode, &countReason, first, second, timed,
                          timed ? elapsed : 0, 0, 0);
   }
-  cb->RecordTimeText[0] = '\0';
+  cb->Clock.RecordTimeText[0] = '\0';
 }
 
 void PutSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason,
                      CallCounterRecord *first, CallCounterRecord *second, const ZKMD *md,
                      int32_t msgLength) {
-  int32_t function = cb->CurrentFunction;
+  int32_t function = cb->Call.CurrentFunction;
   int64_t elapsed = WriteSimpleRecord(cb, compCode, reason, md, msgLength);
   ZKLONG countCompCode = compCode;
   ZKLONG countReason = reason;
   IncrementResultCount(cb, function, &countCompCode, &countReason, first, second, 1, elapsed, 0, 0);
-  cb->RecordTimeText[0] = '\0';
+  cb->Clock.RecordTimeText[0] = '\0';
 }

@@ -60,54 +60,23 @@ struct QueueHandleEntry {
   uint8_t ResolvedDiffers; // ResolvedQueueName is set and is not QueueName
 };
 
-struct ExitControlBlock {
-  char EyeCatcher[8];
-  ZKACH ChainHeader;
-  ParameterSettings Settings;
-  // Call counting and summaries.
-  CallCounterRecord Statistics[STATISTICS_FUNCTION_COUNT][2]; // [function][period]
-  CallCounterRecord Totals[2]; // per period; Totals[0].CallCount numbers the records
-  uint32_t SplitSequence;
-  struct timeval SplitStartTime;
-  char SplitStartText[64];
-  int32_t IntervalCallCounter;
-  time_t LastIntervalTime;
-  int32_t ProcessId;
-  uint32_t ThreadId;
-  time_t LastUpdateCheck;
-  int32_t CurrentFunction;
-  int32_t CurrentExitReason;
+// What the exit knows of the call in progress (exit/ dispatch and the
+// handlers set it; records, summaries and alerts read it).
+struct CallState {
+  int32_t CurrentFunction;   // ZKXF_* of the call
+  int32_t CurrentExitReason; // ZKXR_* of the call
   int32_t CurrentCompCode;
-  // EXIT_TYPE_API in this library. The record writers, the summary and the
-  // error file name also keep the channel exit's forms (EXIT_TYPE_CHANNEL:
-  // exit reason and exit kind in the header, no after-record, its own error
-  // file), so that the same code serves a channel-exit build; tests set it
-  // to reach them.
-  uint8_t ExitType;
-  uint8_t Debug;
-  uint8_t FatalError;
-  uint8_t ExecStatus;
-  uint8_t ProcessNameMatch;
-  uint8_t QueueSelected;
-  char CurrentQueueName[49];
-  char ResolvedQueueName[49];
-  struct timeval StartTime;
-  char StartTimeText[64];
-  // Record writing.
-  struct timeval ApiBeforeTime; // before-time of the current ZKI call
-  struct timeval XaBeforeTime;  // before-time of the current transaction-manager call
-  char RecordTimeText[64];      // time stamp of the record being written
-  // The record time stamp's text up to its microseconds ("[YYYY/MM/DD
-  // hh:mm:ss."), kept for the second it shows: the local time is broken
-  // down once per second, not once per record.
-  time_t StampSecond;
-  int32_t StampPrefixLength; // 0: nothing kept yet
-  char StampPrefix[72];
-  uint32_t LastPrintedSequence;
-  uint8_t NoAddress; // leave storage addresses out of dump titles
-  uint8_t SuppressProcessChangeNotes;
-  // Platform level, found once per connection.
-  uint8_t ZkLevelSearched;
+  uint8_t QueueSelected;      // the call's object passes the TargetQueue filter
+  char CurrentQueueName[49];  // name the call's object was opened under
+  char ResolvedQueueName[49]; // name the queue manager resolved it to
+};
+
+// Who is traced: the process, the connection and the program, found at
+// start-up and shown in the profile, file names and alert lines.
+struct ConnectionIdentity {
+  int32_t ProcessId;       // real ids of the process and thread that own the block,
+  uint32_t ThreadId;       // renewed when a fork or another thread is noticed
+  uint8_t ZkLevelSearched; // the platform level below has been looked for
   char ZkVersion[75];
   char ZkLevel[80];
   char ZkBuildType[80];
@@ -115,8 +84,8 @@ struct ExitControlBlock {
   char ProgramVersion[20];
   char BuildVariant[50];
   char MakerContact[80];
-  int32_t ApiLevel;
-  int32_t ZkaxcProcessId;
+  int32_t ApiLevel;       // API_LEVEL_600 or API_LEVEL_700, from the entry point
+  int32_t ZkaxcProcessId; // the ids as the queue manager passes them
   int32_t ZkaxcThreadId;
   char ExitInfoName[49];
   char EntryName[49];
@@ -127,31 +96,93 @@ struct ExitControlBlock {
   char ConnectionName[265];
   char ApplName[80];
   char ApplTypeText[50];
-  char ProcessName[80];
+  char ProcessName[80]; // program name without its directory
   char ProcessDescription[130];
-  // Trace file.
+};
+
+// The clock of the records: the connection's start, the before-times the
+// elapsed times count from, and the time stamp of the record being written.
+struct RecordClock {
+  struct timeval StartTime;
+  char StartTimeText[64];
+  struct timeval ApiBeforeTime; // before-time of the current ZKI call
+  struct timeval XaBeforeTime;  // before-time of the current transaction-manager call
+  char RecordTimeText[64];      // time stamp of the record being written
+  // The record time stamp's text up to its microseconds ("[YYYY/MM/DD
+  // hh:mm:ss."), kept for the second it shows: the local time is broken
+  // down once per second, not once per record.
+  time_t StampSecond;
+  int32_t StampPrefixLength; // 0: nothing kept yet
+  char StampPrefix[72];
+};
+
+// Call counting and summaries.
+struct CallCounters {
+  CallCounterRecord Statistics[STATISTICS_FUNCTION_COUNT][2]; // [function][period]
+  CallCounterRecord Totals[2]; // per period; Totals[0].CallCount numbers the records
+  uint32_t SplitSequence;      // number of the split summaries written
+  struct timeval SplitStartTime;
+  char SplitStartText[64];
+  int32_t IntervalCallCounter;  // calls since the last interval summary
+  time_t LastIntervalTime;      // time of the last interval summary
+  uint32_t LastPrintedSequence; // the last sequence number a record showed
+};
+
+// The trace file being written and how records reach it.
+struct TraceFileState {
   int64_t CurrentFileSize; // bytes written to the current file
   char TraceDirectory[34];
   char TraceFilePath[300];
   int32_t FileDescriptor; // 0: none (WriteStream no)
   FILE *FileStream;       // null: none (WriteStream yes)
   int32_t FileSequenceNumber;
-  time_t LastFlushTime;
-  int64_t ProgressMark;
-  uint8_t RotationPermitted;
-  uint8_t ThreadChanged;
-  uint8_t FileReopened;
-  uint8_t UnknownAttributeSeen;
-  uint8_t NewFileOpened;
-  int32_t RecordedProcessId;
+  time_t LastFlushTime;         // of the write buffer, for WriteInterval
+  int64_t ProgressMark;         // file size at which the next "<nMB>" mark is shown
+  uint8_t RotationPermitted;    // the text being written may start a new file
+  uint8_t ThreadChanged;        // another thread wrote to the file: keep ".t"
+  uint8_t FileReopened;         // the current file was a closed one taken up again
+  uint8_t UnknownAttributeSeen; // the file ends with the unknown-attribute block
+  uint8_t NewFileOpened;        // the next summary-only line starts with its heading
+  uint8_t NoAddress;            // leave storage addresses out of dump titles
+  uint8_t SuppressProcessChangeNotes;
+  int32_t RecordedProcessId; // the ids that opened the current file
   uint32_t RecordedThreadId;
-  CodeRangeMap CodeRange;
+};
+
+// The object handles the connection has open, with the names they were
+// opened under (see handle_list.h).
+struct HandleListState {
   int32_t HandleCount;
   int32_t HandleCapacity;
   QueueHandleEntry *HandleList;
+};
+
+struct ExitControlBlock {
+  char EyeCatcher[8];
+  ZKACH ChainHeader;
+  ParameterSettings Settings;
+  CallState Call;
+  ConnectionIdentity Identity;
+  RecordClock Clock;
+  CallCounters Counters;
+  TraceFileState File;
+  HandleListState Handles;
+  // EXIT_TYPE_API in this library. The record writers, the summary and the
+  // error file name also keep the channel exit's forms (EXIT_TYPE_CHANNEL:
+  // exit reason and exit kind in the header, no after-record, its own error
+  // file), so that the same code serves a channel-exit build; tests set it
+  // to reach them.
+  uint8_t ExitType;
+  uint8_t Debug;            // wzEntryDebug: the exit's own debug output is wanted
+  uint8_t FatalError;       // a file failure stopped the trace of this connection
+  uint8_t ExecStatus;       // 1: tracing is on (ExecFlag and the process filter)
+  uint8_t ProcessNameMatch; // the program passes the target/exclude process lists
+  time_t LastUpdateCheck;   // last look for update request files
+  CodeRangeMap CodeRange;   // which byte sequences are characters in dumps
+  // The write buffer: WriteBufferSize bytes at the end of the block.
   int32_t WriteBufferSize;
   int32_t WriteBufferFill;
-  char WriteBuffer[]; // WriteBufferSize bytes: the block's last member
+  char WriteBuffer[]; // the block's last member
 };
 
 // Bytes of the block before its write buffer.

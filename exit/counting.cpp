@@ -65,8 +65,8 @@ bool AlertSuppressed(const ExitControlBlock *cb, int32_t function, ZKLONG compCo
     const AlertSuppressEntry &e = settings.PutAlertSuppress[i];
     if ((e.CompCode == -1 || e.CompCode == compCode) && (e.Reason == -1 || e.Reason == reason) &&
         (e.Function == -1 || e.Function == function) &&
-        CompareModuleNameNocase(cb->ProcessName, e.ProcessName) == 1 &&
-        SuppressObjectMatches(e.ObjectName, cb->CurrentQueueName)) {
+        CompareModuleNameNocase(cb->Identity.ProcessName, e.ProcessName) == 1 &&
+        SuppressObjectMatches(e.ObjectName, cb->Call.CurrentQueueName)) {
       return true;
     }
   }
@@ -75,8 +75,8 @@ bool AlertSuppressed(const ExitControlBlock *cb, int32_t function, ZKLONG compCo
 
 // The alert file sits beside the trace file: "wz_..." becomes "alert...".
 void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKLONG reason) {
-  char path[sizeof cb->TraceFilePath + 8];
-  snprintf(path, sizeof path, "%s", cb->TraceFilePath);
+  char path[sizeof cb->File.TraceFilePath + 8];
+  snprintf(path, sizeof path, "%s", cb->File.TraceFilePath);
   int32_t slash = -1;
   for (int32_t i = (int32_t)strlen(path) - 1; i >= 0; i--) {
     if (path[i] == '/' && strncmp(path + i + 1, "wz_", 3) == 0) {
@@ -95,7 +95,7 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
   strcat(path, ".txt");
 
   char timeText[64];
-  const char *stamp = cb->RecordTimeText;
+  const char *stamp = cb->Clock.RecordTimeText;
   if (stamp[0] == '\0') {
     struct timeval now;
     SetTimeAndShow(&now, timeText);
@@ -105,7 +105,7 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
   TraceText line;
   TraceTextStart(&line, cb, TRACE_TEXT_CUT);
   TraceTextAppendLiteral(&line, "|--- Seq # : ");
-  TraceTextAppendUInt32(&line, cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, 0);
+  TraceTextAppendUInt32(&line, cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount + 1, 0);
   TraceTextAppendChar(&line, ' ');
   TraceTextAppendString(&line, stamp);
   TraceTextAppendLiteral(&line, "  ");
@@ -117,9 +117,9 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
   TraceTextAppendLiteral(&line, " (");
   TraceTextAppendString(&line, SearchConstantInt(reason, Constant_Zkrc));
   TraceTextAppendChar(&line, ')');
-  if (cb->CurrentQueueName[0] != '\0') {
+  if (cb->Call.CurrentQueueName[0] != '\0') {
     TraceTextAppendLiteral(&line, "  Object : ");
-    TraceTextAppendString(&line, cb->CurrentQueueName);
+    TraceTextAppendString(&line, cb->Call.CurrentQueueName);
   }
   if (line.Length > 510) {
     line.Length = 510;
@@ -198,7 +198,7 @@ void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *
     if (record == nullptr) {
       continue;
     }
-    CountCall(record, &cb->Totals[period], resultClass);
+    CountCall(record, &cb->Counters.Totals[period], resultClass);
     if (timeGiven) {
       AddMeasure(&record->MinimumTime, &record->MaximumTime, &record->TotalTime,
                  &record->TimedCalls, elapsed);

@@ -10,7 +10,7 @@
 
 const TargetQueueEntry *SearchTargetQueueParmEntry(const ExitControlBlock *cb) {
   const ParameterSettings &settings = cb->Settings;
-  const char *queue = cb->CurrentQueueName;
+  const char *queue = cb->Call.CurrentQueueName;
   const TargetQueueEntry *best = nullptr;
   int32_t bestLength = -1;
   for (int32_t i = 0; i < settings.TargetQueueCount; i++) {
@@ -33,23 +33,24 @@ const TargetQueueEntry *SearchTargetQueueParmEntry(const ExitControlBlock *cb) {
 }
 
 void PreProcessOpenBefore(ExitControlBlock *cb, const char *objectName48) {
-  memset(cb->CurrentQueueName, 0, sizeof cb->CurrentQueueName);
+  memset(cb->Call.CurrentQueueName, 0, sizeof cb->Call.CurrentQueueName);
   if (objectName48 != nullptr) {
-    memcpy(cb->CurrentQueueName, objectName48, strnlen(objectName48, 48));
+    memcpy(cb->Call.CurrentQueueName, objectName48, strnlen(objectName48, 48));
   }
-  StringTrim(cb->CurrentQueueName);
+  StringTrim(cb->Call.CurrentQueueName);
   if (cb->Settings.TargetQueueCount == 0) {
-    cb->QueueSelected = 1;
-    queueHandleListAddEntry(cb, cb->CurrentQueueName, 1, 1, 1, 1, 1, 1);
+    cb->Call.QueueSelected = 1;
+    queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 1, 1, 1, 1, 1, 1);
     return;
   }
   const TargetQueueEntry *entry = SearchTargetQueueParmEntry(cb);
   if (entry != nullptr) {
-    cb->QueueSelected = 1;
-    queueHandleListAddEntry(cb, cb->CurrentQueueName, 1, 1, entry->P, entry->G, entry->I, entry->S);
+    cb->Call.QueueSelected = 1;
+    queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 1, 1, entry->P, entry->G, entry->I,
+                            entry->S);
   } else {
-    cb->QueueSelected = 0;
-    queueHandleListAddEntry(cb, cb->CurrentQueueName, 0, 0, 0, 0, 0, 0);
+    cb->Call.QueueSelected = 0;
+    queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 0, 0, 0, 0, 0, 0);
   }
 }
 
@@ -57,25 +58,25 @@ void PreProcessManageHandle(ExitControlBlock *cb, int32_t function, const ZKHOBJ
   int32_t handle = pHobj != nullptr ? *pHobj : 0;
   int32_t index = queueHandleListSearchEntryByHandle(cb, handle, 1);
   if (index < 0) {
-    cb->QueueSelected = 0;
-    strcpy(cb->CurrentQueueName, "(unknown)");
+    cb->Call.QueueSelected = 0;
+    strcpy(cb->Call.CurrentQueueName, "(unknown)");
   } else {
-    const QueueHandleEntry &entry = cb->HandleList[index];
+    const QueueHandleEntry &entry = cb->Handles.HandleList[index];
     switch (function) {
     case ZKXF_CLOSE:
-      cb->QueueSelected = entry.CloseFlag;
+      cb->Call.QueueSelected = entry.CloseFlag;
       break;
     case ZKXF_PUT:
-      cb->QueueSelected = entry.PutFlag;
+      cb->Call.QueueSelected = entry.PutFlag;
       break;
     case ZKXF_GET:
-      cb->QueueSelected = entry.GetFlag;
+      cb->Call.QueueSelected = entry.GetFlag;
       break;
     case ZKXF_INQ:
-      cb->QueueSelected = entry.InqFlag;
+      cb->Call.QueueSelected = entry.InqFlag;
       break;
     case ZKXF_SET:
-      cb->QueueSelected = entry.SetFlag;
+      cb->Call.QueueSelected = entry.SetFlag;
       break;
     default: // ZKCB keeps what the previous call decided
       break;
@@ -86,7 +87,7 @@ void PreProcessManageHandle(ExitControlBlock *cb, int32_t function, const ZKHOBJ
     }
   }
   if (cb->Settings.TargetQueueCount == 0) {
-    cb->QueueSelected = 1;
+    cb->Call.QueueSelected = 1;
   }
 }
 
@@ -94,16 +95,16 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
                                 const ZKLONG *, const ZKHOBJ *pHobj, const char *objectName48) {
   int32_t function = axp->Function;
   int32_t exitReason = axp->ExitReason;
-  cb->CurrentFunction = function;
-  cb->CurrentExitReason = exitReason;
-  cb->CurrentCompCode = pCompCode != nullptr ? *pCompCode : 0;
+  cb->Call.CurrentFunction = function;
+  cb->Call.CurrentExitReason = exitReason;
+  cb->Call.CurrentCompCode = pCompCode != nullptr ? *pCompCode : 0;
 
   if (exitReason == ZKXR_BEFORE) {
     if (function != ZKXF_DATA_CONV_ON_GET) {
       // Both names are read as strings only, and whatever fills them ends
       // them with a NUL: emptying them is clearing them.
-      cb->CurrentQueueName[0] = '\0';
-      cb->ResolvedQueueName[0] = '\0';
+      cb->Call.CurrentQueueName[0] = '\0';
+      cb->Call.ResolvedQueueName[0] = '\0';
     }
     switch (function) {
     case ZKXF_OPEN:

@@ -7,9 +7,9 @@
 #include "exit/control_block.h"
 #include "text/string_utils.h"
 
-static_assert(sizeof(QueueHandleEntry::QueueName) == sizeof(ExitControlBlock::CurrentQueueName) &&
+static_assert(sizeof(QueueHandleEntry::QueueName) == sizeof(CallState::CurrentQueueName) &&
                   sizeof(QueueHandleEntry::ResolvedQueueName) ==
-                      sizeof(ExitControlBlock::ResolvedQueueName),
+                      sizeof(CallState::ResolvedQueueName),
               "a handle-list name is copied whole into the current names");
 
 namespace {
@@ -25,19 +25,20 @@ void CopyName48(char *out49, const char *name) {
 
 // Grows the array by one step, keeping one free slot. 0 or -1.
 int32_t GrowHandleList(ExitControlBlock *cb) {
-  int32_t capacity = cb->HandleCapacity + HANDLE_LIST_STEP;
+  int32_t capacity = cb->Handles.HandleCapacity + HANDLE_LIST_STEP;
   QueueHandleEntry *entries =
       (QueueHandleEntry *)calloc((size_t)capacity, sizeof(QueueHandleEntry));
   if (entries == nullptr) {
     PutMessage<1010>(cb, -1);
     return -1;
   }
-  if (cb->HandleList != nullptr) {
-    memcpy(entries, cb->HandleList, (size_t)cb->HandleCount * sizeof(QueueHandleEntry));
-    free(cb->HandleList);
+  if (cb->Handles.HandleList != nullptr) {
+    memcpy(entries, cb->Handles.HandleList,
+           (size_t)cb->Handles.HandleCount * sizeof(QueueHandleEntry));
+    free(cb->Handles.HandleList);
   }
-  cb->HandleList = entries;
-  cb->HandleCapacity = capacity;
+  cb->Handles.HandleList = entries;
+  cb->Handles.HandleCapacity = capacity;
   return 0;
 }
 
@@ -45,10 +46,10 @@ int32_t GrowHandleList(ExitControlBlock *cb) {
 
 void queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t open, uint8_t close,
                              uint8_t put, uint8_t get, uint8_t inq, uint8_t set) {
-  if (cb->HandleCapacity <= cb->HandleCount + 1 && GrowHandleList(cb) != 0) {
+  if (cb->Handles.HandleCapacity <= cb->Handles.HandleCount + 1 && GrowHandleList(cb) != 0) {
     return;
   }
-  QueueHandleEntry &entry = cb->HandleList[cb->HandleCount];
+  QueueHandleEntry &entry = cb->Handles.HandleList[cb->Handles.HandleCount];
   CopyName48(entry.QueueName, name);
   entry.OpenFlag = open;
   entry.CloseFlag = close;
@@ -56,26 +57,26 @@ void queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t ope
   entry.GetFlag = get;
   entry.InqFlag = inq;
   entry.SetFlag = set;
-  cb->HandleCount++;
+  cb->Handles.HandleCount++;
 }
 
 void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
                                          const char *objectName48, const char *resolvedName48) {
-  CopyName48(cb->CurrentQueueName, objectName48);
+  CopyName48(cb->Call.CurrentQueueName, objectName48);
   if (resolvedName48 != nullptr) {
-    CopyName48(cb->ResolvedQueueName, resolvedName48);
-    if (strcmp(cb->ResolvedQueueName, cb->CurrentQueueName) == 0) {
-      cb->ResolvedQueueName[0] = '\0';
+    CopyName48(cb->Call.ResolvedQueueName, resolvedName48);
+    if (strcmp(cb->Call.ResolvedQueueName, cb->Call.CurrentQueueName) == 0) {
+      cb->Call.ResolvedQueueName[0] = '\0';
     }
   } else {
-    cb->ResolvedQueueName[0] = '\0';
+    cb->Call.ResolvedQueueName[0] = '\0';
   }
-  if (cb->HandleCount < 1) {
+  if (cb->Handles.HandleCount < 1) {
     PutMessage<1>(cb, 0, "Invalid handle count in queueHandleListSetHandleToLastEntry.");
     return;
   }
-  int32_t last = cb->HandleCount - 1;
-  QueueHandleEntry entry = cb->HandleList[last];
+  int32_t last = cb->Handles.HandleCount - 1;
+  QueueHandleEntry entry = cb->Handles.HandleList[last];
   entry.Hobj = handle;
   CopyName48(entry.QueueName, objectName48);
   if (resolvedName48 != nullptr) {
@@ -85,55 +86,55 @@ void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
   entry.ResolvedDiffers =
       entry.ResolvedQueueName[0] != '\0' && strcmp(entry.ResolvedQueueName, entry.QueueName) != 0;
   // Search without the last entry, so the place found is among the sorted ones.
-  cb->HandleCount = last;
+  cb->Handles.HandleCount = last;
   char current[49], resolved[49];
-  memcpy(current, cb->CurrentQueueName, 49);
-  memcpy(resolved, cb->ResolvedQueueName, 49);
+  memcpy(current, cb->Call.CurrentQueueName, 49);
+  memcpy(resolved, cb->Call.ResolvedQueueName, 49);
   int32_t at = queueHandleListSearchEntryByHandle(cb, handle, 0);
-  memcpy(cb->CurrentQueueName, current, 49);
-  memcpy(cb->ResolvedQueueName, resolved, 49);
-  cb->HandleCount = last + 1;
+  memcpy(cb->Call.CurrentQueueName, current, 49);
+  memcpy(cb->Call.ResolvedQueueName, resolved, 49);
+  cb->Handles.HandleCount = last + 1;
   if (at >= 0 && at < last) {
-    memmove(&cb->HandleList[at + 1], &cb->HandleList[at],
+    memmove(&cb->Handles.HandleList[at + 1], &cb->Handles.HandleList[at],
             (size_t)(last - at) * sizeof(QueueHandleEntry));
   } else {
     at = last;
   }
-  cb->HandleList[at] = entry;
+  cb->Handles.HandleList[at] = entry;
 }
 
 void queueHandleListDeleteLastEntry(ExitControlBlock *cb) {
-  if (cb->HandleCount > 0) {
-    cb->HandleCount--;
-    memset(&cb->HandleList[cb->HandleCount], 0, sizeof(QueueHandleEntry));
+  if (cb->Handles.HandleCount > 0) {
+    cb->Handles.HandleCount--;
+    memset(&cb->Handles.HandleList[cb->Handles.HandleCount], 0, sizeof(QueueHandleEntry));
   } else {
     PutMessage<1>(cb, 0, "Invalid handle count in queueHandleListDeleteLastEntry.");
   }
 }
 
 void queueHandleListDeleteEntry(ExitControlBlock *cb, int32_t index) {
-  int32_t behind = cb->HandleCount - index - 1;
+  int32_t behind = cb->Handles.HandleCount - index - 1;
   if (behind > 0) {
-    memmove(&cb->HandleList[index], &cb->HandleList[index + 1],
+    memmove(&cb->Handles.HandleList[index], &cb->Handles.HandleList[index + 1],
             (size_t)behind * sizeof(QueueHandleEntry));
   }
-  cb->HandleCount--;
-  memset(&cb->HandleList[cb->HandleCount], 0, sizeof(QueueHandleEntry));
+  cb->Handles.HandleCount--;
+  memset(&cb->Handles.HandleList[cb->Handles.HandleCount], 0, sizeof(QueueHandleEntry));
 }
 
 int32_t queueHandleListSearchEntryByHandle(ExitControlBlock *cb, int32_t handle,
                                            uint8_t mustExist) {
-  cb->ResolvedQueueName[0] = '\0';
+  cb->Call.ResolvedQueueName[0] = '\0';
   if (handle == 0 || handle == -1) {
-    strcpy(cb->CurrentQueueName, "(null)");
+    strcpy(cb->Call.CurrentQueueName, "(null)");
     return -1;
   }
-  if (cb->HandleCount == 0) {
-    strcpy(cb->CurrentQueueName, "(unknown)");
+  if (cb->Handles.HandleCount == 0) {
+    strcpy(cb->Call.CurrentQueueName, "(unknown)");
     return -1;
   }
-  const QueueHandleEntry *list = cb->HandleList;
-  int32_t low = 0, high = cb->HandleCount - 1;
+  const QueueHandleEntry *list = cb->Handles.HandleList;
+  int32_t low = 0, high = cb->Handles.HandleCount - 1;
   while (high - low >= 6) {
     int32_t mid = (low + high) / 2;
     if (handle < list[mid].Hobj) {
@@ -149,9 +150,10 @@ int32_t queueHandleListSearchEntryByHandle(ExitControlBlock *cb, int32_t handle,
     if (list[i].Hobj == handle) {
       // The names of an entry were cut to 48 characters and trimmed when
       // they were stored: they are copied as they are.
-      memcpy(cb->CurrentQueueName, list[i].QueueName, sizeof cb->CurrentQueueName);
+      memcpy(cb->Call.CurrentQueueName, list[i].QueueName, sizeof cb->Call.CurrentQueueName);
       if (list[i].ResolvedDiffers) {
-        memcpy(cb->ResolvedQueueName, list[i].ResolvedQueueName, sizeof cb->ResolvedQueueName);
+        memcpy(cb->Call.ResolvedQueueName, list[i].ResolvedQueueName,
+               sizeof cb->Call.ResolvedQueueName);
       }
       return i;
     }
@@ -169,11 +171,11 @@ const char *queueHandleListSearchAliasNameByRealName(ExitControlBlock *cb,
   }
   char name[49];
   CopyName48(name, resolvedName48);
-  if (name[0] == '\0' || cb->HandleCount == 0) {
+  if (name[0] == '\0' || cb->Handles.HandleCount == 0) {
     return nullptr;
   }
-  for (int32_t i = 0; i < cb->HandleCount; i++) {
-    const QueueHandleEntry &entry = cb->HandleList[i];
+  for (int32_t i = 0; i < cb->Handles.HandleCount; i++) {
+    const QueueHandleEntry &entry = cb->Handles.HandleList[i];
     if (strcmp(entry.ResolvedQueueName, name) == 0) {
       return strcmp(entry.QueueName, entry.ResolvedQueueName) == 0 ? nullptr : entry.QueueName;
     }

@@ -24,11 +24,14 @@ int32_t SetExecStatusFlagAndProcessNameMatchFlag(ExitControlBlock *cb) {
     // A TargetProcess list, when present, decides alone.
     if (settings.TargetProcessCount > 0) {
       cb->ProcessNameMatch =
-          ListHasName(settings.TargetProcess, settings.TargetProcessCount, cb->ProcessName) ? 1 : 0;
+          ListHasName(settings.TargetProcess, settings.TargetProcessCount, cb->Identity.ProcessName)
+              ? 1
+              : 0;
     } else if (settings.ExcludeProcessCount > 0) {
-      cb->ProcessNameMatch =
-          ListHasName(settings.ExcludeProcess, settings.ExcludeProcessCount, cb->ProcessName) ? 0
-                                                                                              : 1;
+      cb->ProcessNameMatch = ListHasName(settings.ExcludeProcess, settings.ExcludeProcessCount,
+                                         cb->Identity.ProcessName)
+                                 ? 0
+                                 : 1;
     }
     cb->ExecStatus = cb->ProcessNameMatch;
     return (cb->ProcessNameMatch == 1 || settings.CreateEmptyFile == 1) ? 0 : -1;

@@ -51,20 +51,20 @@ void CopyText(char *out, size_t size, const char *text) {
 
 // The fixed-width ZKAXP and ZKAXC fields the block keeps, trimmed.
 void CopyConnectionIdentity(ExitControlBlock *cb, const ZKAXP *axp, const ZKAXC *axc) {
-  StringCopyFixedField(cb->ExitInfoName, axp->ExitInfoName, 48);
-  CopyText(cb->ApiCallerTypeText, sizeof cb->ApiCallerTypeText,
+  StringCopyFixedField(cb->Identity.ExitInfoName, axp->ExitInfoName, 48);
+  CopyText(cb->Identity.ApiCallerTypeText, sizeof cb->Identity.ApiCallerTypeText,
            SearchConstantInt(axp->APICallerType, Constant_ApiCallerType));
-  StringCopyFixedField(cb->QMgrName, axp->QMgrName, 48);
-  CopyText(cb->EnvironmentText, sizeof cb->EnvironmentText,
+  StringCopyFixedField(cb->Identity.QMgrName, axp->QMgrName, 48);
+  CopyText(cb->Identity.EnvironmentText, sizeof cb->Identity.EnvironmentText,
            SearchConstantInt(axc->Environment, Constant_Environment));
-  StringCopyFixedField(cb->UserId, axc->UserId, 12);
-  StringCopyFixedField(cb->ConnectionName, axc->ConnectionName, 264);
-  StringCopyFixedField(cb->ApplName, axc->ApplName, 28);
-  CopyText(cb->ApplTypeText, sizeof cb->ApplTypeText,
+  StringCopyFixedField(cb->Identity.UserId, axc->UserId, 12);
+  StringCopyFixedField(cb->Identity.ConnectionName, axc->ConnectionName, 264);
+  StringCopyFixedField(cb->Identity.ApplName, axc->ApplName, 28);
+  CopyText(cb->Identity.ApplTypeText, sizeof cb->Identity.ApplTypeText,
            SearchConstantInt(axc->ApplType, Constant_ApplType));
-  DeriveProcessName(axc->ApplName, cb->ProcessName);
-  CopyText(cb->ProcessDescription, sizeof cb->ProcessDescription,
-           SearchConstantString(cb->ProcessName, Constant_Module_Name));
+  DeriveProcessName(axc->ApplName, cb->Identity.ProcessName);
+  CopyText(cb->Identity.ProcessDescription, sizeof cb->Identity.ProcessDescription,
+           SearchConstantString(cb->Identity.ProcessName, Constant_Module_Name));
 }
 
 void FreeAreas(ExitControlBlock *cb, QueueHandleEntry *handles) {
@@ -77,11 +77,11 @@ void FreeAreas(ExitControlBlock *cb, QueueHandleEntry *handles) {
 int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const ParameterSettings *settings,
                              const ZKAXP *axp, const ZKAXC *axc, uint8_t debug) {
   memcpy(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
-  cb->ZkaxcProcessId = axc->ProcessId;
-  cb->ZkaxcThreadId = axc->ThreadId;
-  cb->ProcessId = (int32_t)getpid();
-  cb->ThreadId = (uint32_t)pthread_self();
-  DeriveProcessName(axc->ApplName, cb->ProcessName); // names the error file's lines
+  cb->Identity.ZkaxcProcessId = axc->ProcessId;
+  cb->Identity.ZkaxcThreadId = axc->ThreadId;
+  cb->Identity.ProcessId = (int32_t)getpid();
+  cb->Identity.ThreadId = (uint32_t)pthread_self();
+  DeriveProcessName(axc->ApplName, cb->Identity.ProcessName); // names the error file's lines
 
   char directory[34];
   int32_t length = StringCopyFixedField(directory, axp->ExitData, 32);
@@ -93,7 +93,7 @@ int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const Parameter
     directory[length] = '/';
     directory[length + 1] = '\0';
   }
-  memcpy(cb->TraceDirectory, directory, sizeof directory);
+  memcpy(cb->File.TraceDirectory, directory, sizeof directory);
 
   memcpy(cb->ChainHeader.StrucId, ZKACH_STRUC_ID, 4);
   cb->ChainHeader.Version = ZKACH_VERSION_1;
@@ -106,16 +106,16 @@ int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const Parameter
   cb->ExecStatus = 1;
   cb->ExitType = EXIT_TYPE_API;
 
-  CopyText(cb->ProductTitle, sizeof cb->ProductTitle, PRODUCT_TITLE);
-  CopyText(cb->ProgramVersion, sizeof cb->ProgramVersion, PROGRAM_VERSION);
-  CopyText(cb->BuildVariant, sizeof cb->BuildVariant, BUILD_VARIANT);
-  CopyText(cb->MakerContact, sizeof cb->MakerContact, MAKER_CONTACT);
+  CopyText(cb->Identity.ProductTitle, sizeof cb->Identity.ProductTitle, PRODUCT_TITLE);
+  CopyText(cb->Identity.ProgramVersion, sizeof cb->Identity.ProgramVersion, PROGRAM_VERSION);
+  CopyText(cb->Identity.BuildVariant, sizeof cb->Identity.BuildVariant, BUILD_VARIANT);
+  CopyText(cb->Identity.MakerContact, sizeof cb->Identity.MakerContact, MAKER_CONTACT);
 
   CopyConnectionIdentity(cb, axp, axc);
   cb->Settings = *settings;
   SetValueForCodeRangeCheck(cb);
-  cb->CurrentFileSize = cb->Settings.MaxFileSize + 1;
-  cb->RotationPermitted = 1;
+  cb->File.CurrentFileSize = cb->Settings.MaxFileSize + 1;
+  cb->File.RotationPermitted = 1;
   cb->WriteBufferSize = size - (int32_t)CONTROL_BLOCK_FIXED_SIZE;
 
   cb->LastUpdateCheck = time(nullptr);
@@ -161,15 +161,15 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
     FreeAreas(cb, handles);
     return;
   }
-  cb->HandleList = handles;
-  cb->HandleCapacity = HANDLE_LIST_STEP;
+  cb->Handles.HandleList = handles;
+  cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
   axp->ExitChainAreaPtr = cb;
 
-  cb->ApiLevel = API_LEVEL_600;
+  cb->Identity.ApiLevel = API_LEVEL_600;
   if (axp->Version >= ZKAXP_VERSION_2 && level >= API_LEVEL_700) {
-    cb->ApiLevel = API_LEVEL_700;
+    cb->Identity.ApiLevel = API_LEVEL_700;
   }
-  CopyText(cb->EntryName, sizeof cb->EntryName, entryName);
+  CopyText(cb->Identity.EntryName, sizeof cb->Identity.EntryName, entryName);
 
   // Read again, now with somewhere to report the bad lines.
   if (parameterErrors != 0) {
@@ -199,16 +199,17 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
   if (SetDataToWriteBuffer(cb, "") != 0) {
     return;
   }
-  cb->RotationPermitted = 0;
-  cb->CurrentFunction = axp->Function;
-  cb->CurrentExitReason = axp->ExitReason;
-  cb->CurrentCompCode = *pCompCode;
+  cb->File.RotationPermitted = 0;
+  cb->Call.CurrentFunction = axp->Function;
+  cb->Call.CurrentExitReason = axp->ExitReason;
+  cb->Call.CurrentCompCode = *pCompCode;
   PutHeaderRecord(cb, axp->Function, axp->ExitReason, *pCompCode, *pReason, nullptr, nullptr);
   if (cb->ProcessNameMatch == 0) {
     TraceText line;
     TraceTextStart(&line, cb, TRACE_TEXT_CUT);
     TraceTextAppendLiteral(&line, "Process name ");
-    TraceTextAppendBounded(&line, cb->ProcessName, (int32_t)sizeof cb->ProcessName);
+    TraceTextAppendBounded(&line, cb->Identity.ProcessName,
+                           (int32_t)sizeof cb->Identity.ProcessName);
     TraceTextAppendLiteral(&line, " is not in target process name list.");
     PutMsgToTrace(cb, TraceTextString(&line));
     CloseAndCompressFile(cb, nullptr);
@@ -228,7 +229,7 @@ void TerminateConnection(PZKAXP pExitParms, PZKLONG pCompCode, PZKLONG pReason) 
                     nullptr);
   }
   CloseAndCompressFile(cb, nullptr);
-  free(cb->HandleList);
+  free(cb->Handles.HandleList);
   free(cb);
   pExitParms->ExitChainAreaPtr = nullptr;
 }

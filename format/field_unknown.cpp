@@ -35,13 +35,13 @@ int32_t ShowUnknownAttribute(ExitControlBlock *cb, const char *name, uint32_t va
   TraceTextAppend(&line, " 0x", 3);
   TraceTextAppendHex32(&line, value);
   int32_t rc = EndUnknownBanner(&line);
-  cb->UnknownAttributeSeen = 1;
+  cb->File.UnknownAttributeSeen = 1;
   return rc;
 }
 
 int32_t ShowUnknownStructureVersion(ExitControlBlock *cb, const char *structureName,
                                     int32_t version) {
-  cb->UnknownAttributeSeen = 1;
+  cb->File.UnknownAttributeSeen = 1;
   PutMessage<3100>(cb, 0, structureName, (uint32_t)version);
   TraceText line;
   StartUnknownBanner(&line, cb, structureName);

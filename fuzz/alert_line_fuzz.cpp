@@ -247,10 +247,12 @@ std::string ExpectedLine(const Header &h, const ExitControlBlock *cb, int32_t er
   uint32_t tid = (uint32_t)pthread_self();
   std::string line = stamp + "  ";
   if (cb != nullptr) {
-    pid = cb->ProcessId != 0 ? (uint32_t)cb->ProcessId : pid;
-    tid = cb->ThreadId != 0 ? cb->ThreadId : tid;
-    line +=
-        "[" + std::string(cb->ProcessName, strnlen(cb->ProcessName, sizeof cb->ProcessName)) + "] ";
+    pid = cb->Identity.ProcessId != 0 ? (uint32_t)cb->Identity.ProcessId : pid;
+    tid = cb->Identity.ThreadId != 0 ? cb->Identity.ThreadId : tid;
+    line += "[" +
+            std::string(cb->Identity.ProcessName,
+                        strnlen(cb->Identity.ProcessName, sizeof cb->Identity.ProcessName)) +
+            "] ";
   }
   char prefix[64];
   snprintf(prefix, sizeof prefix, "(%u.%u) Msg%u: ", pid, tid, h.number);
@@ -304,8 +306,8 @@ void CheckLine(const Header &h, const ExitControlBlock *cb, const AlertArgument 
     FUZZ_CHECK(names.size() == 1, "%zu files after one alert", names.size());
     char name[64];
     snprintf(name, sizeof name, "wz_apiexit_error_%u_%u.txt",
-             cb->ProcessId != 0 ? (uint32_t)cb->ProcessId : (uint32_t)getpid(),
-             cb->ThreadId != 0 ? cb->ThreadId : (uint32_t)pthread_self());
+             cb->Identity.ProcessId != 0 ? (uint32_t)cb->Identity.ProcessId : (uint32_t)getpid(),
+             cb->Identity.ThreadId != 0 ? cb->Identity.ThreadId : (uint32_t)pthread_self());
     FUZZ_CHECK(names[0] == name, "error file %s, expected %s", names[0].c_str(), name);
     std::string written = ReadWholeFile(directory + name);
     FUZZ_CHECK(!written.empty() && written.back() == '\n', "the error file has no whole line");
@@ -318,12 +320,12 @@ void CheckLine(const Header &h, const ExitControlBlock *cb, const AlertArgument 
 
 ExitControlBlock *Block(const Header &h) {
   ExitControlBlock *cb = AlertBlock();
-  cb->ProcessId = h.processId;
-  cb->ThreadId = h.threadId;
+  cb->Identity.ProcessId = h.processId;
+  cb->Identity.ThreadId = h.threadId;
   if (h.flags & kFullProcessName) {
-    memset(cb->ProcessName, 'p', sizeof cb->ProcessName);
+    memset(cb->Identity.ProcessName, 'p', sizeof cb->Identity.ProcessName);
   } else {
-    snprintf(cb->ProcessName, sizeof cb->ProcessName, "payroll");
+    snprintf(cb->Identity.ProcessName, sizeof cb->Identity.ProcessName, "payroll");
   }
   return cb;
 }

@@ -157,7 +157,8 @@ ExitControlBlock *AlertBlock() {
     FUZZ_CHECK(cb != nullptr);
     memcpy(cb->EyeCatcher, CONTROL_BLOCK_EYE_CATCHER, sizeof CONTROL_BLOCK_EYE_CATCHER);
     cb->ExitType = EXIT_TYPE_API;
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s", ScratchDirectory().c_str());
+    snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s",
+             ScratchDirectory().c_str());
   }
   return cb;
 }
@@ -174,18 +175,19 @@ CaptureBlock::CaptureBlock(int32_t bufferSize) {
   cb_->Settings.WriteBufferSize = bufferSize;
   cb_->WriteBufferSize = bufferSize;
   cb_->ExitType = EXIT_TYPE_API;
-  cb_->ProcessId = (int32_t)getpid();
-  cb_->ThreadId = (uint32_t)pthread_self();
-  cb_->RecordedProcessId = cb_->ProcessId;
-  cb_->RecordedThreadId = cb_->ThreadId;
-  cb_->NoAddress = 1;
-  snprintf(cb_->TraceDirectory, sizeof cb_->TraceDirectory, "%s", ScratchDirectory().c_str());
-  snprintf(cb_->TraceFilePath, sizeof cb_->TraceFilePath, "%swz_capture.t",
+  cb_->Identity.ProcessId = (int32_t)getpid();
+  cb_->Identity.ThreadId = (uint32_t)pthread_self();
+  cb_->File.RecordedProcessId = cb_->Identity.ProcessId;
+  cb_->File.RecordedThreadId = cb_->Identity.ThreadId;
+  cb_->File.NoAddress = 1;
+  snprintf(cb_->File.TraceDirectory, sizeof cb_->File.TraceDirectory, "%s",
            ScratchDirectory().c_str());
-  strcpy(cb_->ProcessName, "wzfuzz");
+  snprintf(cb_->File.TraceFilePath, sizeof cb_->File.TraceFilePath, "%swz_capture.t",
+           ScratchDirectory().c_str());
+  strcpy(cb_->Identity.ProcessName, "wzfuzz");
   fd_ = memfd_create("wz_capture", MFD_CLOEXEC);
   FUZZ_CHECK(fd_ > 2, "memfd_create");
-  cb_->FileDescriptor = fd_;
+  cb_->File.FileDescriptor = fd_;
   SetValueForCodeRangeCheck(cb_);
 }
 
@@ -203,7 +205,7 @@ std::string CaptureBlock::Take() {
   FUZZ_CHECK(size == 0 || pread(fd_, &text[0], (size_t)size, 0) == (ssize_t)size);
   FUZZ_CHECK(ftruncate(fd_, 0) == 0);
   FUZZ_CHECK(lseek(fd_, 0, SEEK_SET) == 0);
-  cb_->CurrentFileSize = 0;
+  cb_->File.CurrentFileSize = 0;
   return text;
 }
 

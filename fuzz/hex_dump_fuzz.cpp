@@ -327,7 +327,7 @@ void CheckPlainDump(CaptureBlock &capture, const Header &h, const uint8_t *data,
   std::vector<std::string> lines = LinesOf(text, "dump");
   size_t first = 0;
   if (titled) {
-    std::string title = Title(h.name, h.shownLength, data, cb->NoAddress != 0);
+    std::string title = Title(h.name, h.shownLength, data, cb->File.NoAddress != 0);
     // A title too long for the line is cut, but its line is still a line.
     FUZZ_CHECK(lines[0] == title ||
                    (title.size() > 400 && title.compare(0, lines[0].size(), lines[0]) == 0),
@@ -642,7 +642,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *input, size_t inputSize) {
   ExitControlBlock *cb = capture.cb();
   cb->Settings.ShowHexCharImage = (h.flags & 0x01) != 0;
   cb->Settings.Spare = (h.flags & 0x04) != 0 ? 1 : 0; // 1: repeated lines are not collapsed
-  cb->NoAddress = (h.flags & 0x08) != 0 ? 1 : 0;
+  cb->File.NoAddress = (h.flags & 0x08) != 0 ? 1 : 0;
   cb->Settings.MaxParsedOutputLineLength = h.lineLength;
   cb->Settings.ShowMaxLenCharv = h.charvLimit;
   cb->Settings.ShowMaxLenCharvString = h.stringLimit;
@@ -654,7 +654,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *input, size_t inputSize) {
   CheckMultipleLines(capture, h, data, size);
   CheckStringFixed(capture, h, data, size);
   CheckTextRun(capture, h, data, size);
-  cb->NoAddress = 1;
+  cb->File.NoAddress = 1;
   CheckCharv(capture, h, data, size);
   CheckNumbers(capture, h);
   CheckFormatName(capture, data, size);

@@ -32,9 +32,9 @@ namespace {
 // alert writer looks at is filled in.
 ExitControlBlock *ContextBlock() {
   ExitControlBlock *cb = AlertBlock();
-  cb->ProcessId = 4711;
-  cb->ThreadId = 815;
-  strcpy(cb->ProcessName, "wzfuzz");
+  cb->Identity.ProcessId = 4711;
+  cb->Identity.ThreadId = 815;
+  strcpy(cb->Identity.ProcessName, "wzfuzz");
   return cb;
 }
 

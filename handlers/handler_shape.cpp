@@ -17,8 +17,8 @@ namespace {
 void StatisticsOf(ExitControlBlock *cb, int32_t function, CallCounterRecord **first,
                   CallCounterRecord **second) {
   int32_t index = StatisticsIndexOfFunction(function);
-  *first = index >= 0 ? &cb->Statistics[index][COUNTER_CUMULATIVE] : nullptr;
-  *second = index >= 0 ? &cb->Statistics[index][COUNTER_SPLIT] : nullptr;
+  *first = index >= 0 ? &cb->Counters.Statistics[index][COUNTER_CUMULATIVE] : nullptr;
+  *second = index >= 0 ? &cb->Counters.Statistics[index][COUNTER_SPLIT] : nullptr;
 }
 
 const ZKLONG kZero = 0;
@@ -74,7 +74,7 @@ int32_t HandlerBefore(HandlerCall *call) {
   if (dataConversion && cb->Settings.ShowDataConvOnGet != 1) {
     return RC_NOP;
   }
-  if (call->QueueCall && cb->QueueSelected != 1) {
+  if (call->QueueCall && cb->Call.QueueSelected != 1) {
     return RC_NOP;
   }
   if (cb->Settings.ShowSummaryOnly == 1) {
@@ -104,7 +104,7 @@ int32_t HandlerAfter(HandlerCall *call) {
   int32_t function = call->Axp->Function;
   CallCounterRecord *first, *second;
   StatisticsOf(cb, function, &first, &second);
-  if (call->QueueCall && cb->QueueSelected != 1) {
+  if (call->QueueCall && cb->Call.QueueSelected != 1) {
     if (cb->Settings.CountSelectedCallsOnly != 1) {
       IncrementResultCount(cb, function, OrZero(call->CompCode), OrZero(call->Reason), first,
                            second, 0, 0, 0, 0);

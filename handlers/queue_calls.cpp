@@ -32,7 +32,7 @@ void OpenNameOf(const ZKOD *od, char *name49) {
 // entry, or the entry of a failed open goes.
 void KeepOpenedHandle(PZKAXP axp, const ZKOD *od, const ZKHOBJ *pHobj, const ZKLONG *pCompCode) {
   ExitControlBlock *cb = HandlerControlBlock(axp);
-  if (cb == nullptr || cb->HandleCount < 1) {
+  if (cb == nullptr || cb->Handles.HandleCount < 1) {
     return;
   }
   if (pCompCode != nullptr && *pCompCode == ZKCC_FAILED) {
@@ -50,7 +50,7 @@ void KeepOpenedHandle(PZKAXP axp, const ZKOD *od, const ZKHOBJ *pHobj, const ZKL
     }
   }
   char asOpened[49];
-  memcpy(asOpened, cb->HandleList[cb->HandleCount - 1].QueueName, sizeof asOpened);
+  memcpy(asOpened, cb->Handles.HandleList[cb->Handles.HandleCount - 1].QueueName, sizeof asOpened);
   queueHandleListSetHandleToLastEntry(cb, pHobj != nullptr ? *pHobj : 0, asOpened, resolved);
 }
 
@@ -59,20 +59,20 @@ void KeepOpenedHandle(PZKAXP axp, const ZKOD *od, const ZKHOBJ *pHobj, const ZKL
 void SelectPut1(HandlerCall *call) {
   ExitControlBlock *cb = call->Cb;
   const ZKOD *od = (const ZKOD *)call->Data;
-  memset(cb->CurrentQueueName, 0, sizeof cb->CurrentQueueName);
+  memset(cb->Call.CurrentQueueName, 0, sizeof cb->Call.CurrentQueueName);
   if (od != nullptr) {
-    memcpy(cb->CurrentQueueName, od->ObjectName, strnlen(od->ObjectName, 48));
+    memcpy(cb->Call.CurrentQueueName, od->ObjectName, strnlen(od->ObjectName, 48));
   }
-  StringTrim(cb->CurrentQueueName);
+  StringTrim(cb->Call.CurrentQueueName);
   if (cb->Settings.TargetQueueCount == 0) {
-    cb->QueueSelected = 1;
+    cb->Call.QueueSelected = 1;
     return;
   }
-  cb->QueueSelected = 0;
+  cb->Call.QueueSelected = 0;
   for (int32_t i = 0; i < cb->Settings.TargetQueueCount; i++) {
     const TargetQueueEntry &entry = cb->Settings.TargetQueue[i];
-    if (strcmp(entry.QueueName, cb->CurrentQueueName) == 0 && entry.P == 1) {
-      cb->QueueSelected = 1;
+    if (strcmp(entry.QueueName, cb->Call.CurrentQueueName) == 0 && entry.P == 1) {
+      cb->Call.QueueSelected = 1;
       return;
     }
   }

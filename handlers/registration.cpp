@@ -53,9 +53,9 @@ bool ConditionHolds(RegistrationCondition condition, const ExitControlBlock *cb,
   case kExitParmsV2:
     return axp->Version >= ZKAXP_VERSION_2;
   case kApiLevel700:
-    return cb->ApiLevel == API_LEVEL_700;
+    return cb->Identity.ApiLevel == API_LEVEL_700;
   case kTransactionCalls:
-    return cb->ApiLevel == API_LEVEL_700 && cb->Settings.ShowXaCalls == 1;
+    return cb->Identity.ApiLevel == API_LEVEL_700 && cb->Settings.ShowXaCalls == 1;
   }
   return false;
 }

@@ -12,7 +12,7 @@ namespace {
 
 // Registrations are always written, whatever the queue's selection.
 void SelectAlways(HandlerCall *call) {
-  call->Cb->QueueSelected = 1;
+  call->Cb->Call.QueueSelected = 1;
 }
 
 // A delivered message is named by the queue it came from: the alias it was
@@ -20,18 +20,18 @@ void SelectAlways(HandlerCall *call) {
 void NameCallbackQueue(HandlerCall *call) {
   ExitControlBlock *cb = call->Cb;
   const ZKGMO *gmo = (const ZKGMO *)call->Data;
-  memset(cb->CurrentQueueName, 0, sizeof cb->CurrentQueueName);
-  memset(cb->ResolvedQueueName, 0, sizeof cb->ResolvedQueueName);
+  memset(cb->Call.CurrentQueueName, 0, sizeof cb->Call.CurrentQueueName);
+  memset(cb->Call.ResolvedQueueName, 0, sizeof cb->Call.ResolvedQueueName);
   if (gmo == nullptr) {
     return;
   }
-  StringCopyFixedField(cb->ResolvedQueueName, gmo->ResolvedQName, 48);
-  const char *alias = queueHandleListSearchAliasNameByRealName(cb, cb->ResolvedQueueName);
+  StringCopyFixedField(cb->Call.ResolvedQueueName, gmo->ResolvedQName, 48);
+  const char *alias = queueHandleListSearchAliasNameByRealName(cb, cb->Call.ResolvedQueueName);
   if (alias != nullptr) {
-    StringCopyFixedField(cb->CurrentQueueName, alias, 48);
+    StringCopyFixedField(cb->Call.CurrentQueueName, alias, 48);
   } else {
-    memcpy(cb->CurrentQueueName, cb->ResolvedQueueName, sizeof cb->CurrentQueueName);
-    memset(cb->ResolvedQueueName, 0, sizeof cb->ResolvedQueueName);
+    memcpy(cb->Call.CurrentQueueName, cb->Call.ResolvedQueueName, sizeof cb->Call.CurrentQueueName);
+    memset(cb->Call.ResolvedQueueName, 0, sizeof cb->Call.ResolvedQueueName);
   }
 }
 

@@ -170,7 +170,7 @@ void AppendDumpTitle(TraceText *dump, const ExitControlBlock *cb, const char *ti
   TraceTextAppendUInt32(dump, (uint32_t)shownLength, 0);
   TraceTextAppendLiteral(dump, "=x");
   TraceTextAppendHex(dump, (uint32_t)shownLength);
-  if (cb->NoAddress) {
+  if (cb->File.NoAddress) {
     TraceTextAppendLiteral(dump, " bytes)\n");
   } else {
     TraceTextAppendLiteral(dump, " bytes, Address 0x");

@@ -84,35 +84,35 @@ void PutReopenBanner(ExitControlBlock *cb) {
   TraceTextAppendLiteral(&t, "|Reopen this trace file\n");
   TraceTextAppendLiteral(&t, PROFILE_DASHED_LINE);
   TraceTextWrite(&t);
-  cb->FileReopened = 1;
+  cb->File.FileReopened = 1;
 }
 
 void AppendProgramLines(TraceText *t, const ExitControlBlock *cb) {
   TraceTextAppendLiteral(t, PROFILE_DASHED_LINE);
   TraceTextAppendLiteral(t, "|Program information\n");
-  AppendValueLine(t, "|  Program name       : ", cb->ProductTitle);
-  AppendValueLine(t, "|  Version            : ", cb->ProgramVersion);
-  AppendValueLine(t, "|  Provided by        : ", cb->MakerContact);
+  AppendValueLine(t, "|  Program name       : ", cb->Identity.ProductTitle);
+  AppendValueLine(t, "|  Version            : ", cb->Identity.ProgramVersion);
+  AppendValueLine(t, "|  Provided by        : ", cb->Identity.MakerContact);
   TraceTextAppendLiteral(t, "|Program attributes\n");
   TraceTextAppendLiteral(t, "|  Addressing mode    : ");
   TraceTextAppendUInt32(t, ADDRESSING_MODE_BITS, 0);
   TraceTextAppendLiteral(t, "-bit\n");
-  AppendValueLine(t, "|  Threading          : ", cb->BuildVariant);
+  AppendValueLine(t, "|  Threading          : ", cb->Identity.BuildVariant);
   TraceTextAppendLiteral(t, "|  Process level      : ");
-  TraceTextAppendUInt32(t, (uint32_t)cb->ApiLevel, 0);
+  TraceTextAppendUInt32(t, (uint32_t)cb->Identity.ApiLevel, 0);
   TraceTextAppendChar(t, '\n');
 }
 
 // The platform's own level, asked for once per control block.
 void AppendPlatformLevelLines(TraceText *t, ExitControlBlock *cb) {
-  if (cb->ZkLevelSearched == 0) {
+  if (cb->Identity.ZkLevelSearched == 0) {
     SetZkLevelInfo(cb);
-    cb->ZkLevelSearched = 1;
+    cb->Identity.ZkLevelSearched = 1;
   }
   TraceTextAppendLiteral(t, "|Tarnvelde ZK\n");
-  AppendValueLine(t, "|  Version            : ", cb->ZkVersion);
-  AppendValueLine(t, "|  Level              : ", cb->ZkLevel);
-  AppendValueLine(t, "|  Build type         : ", cb->ZkBuildType);
+  AppendValueLine(t, "|  Version            : ", cb->Identity.ZkVersion);
+  AppendValueLine(t, "|  Level              : ", cb->Identity.ZkLevel);
+  AppendValueLine(t, "|  Build type         : ", cb->Identity.ZkBuildType);
 }
 
 void AppendOperatingEnvironmentLines(TraceText *t) {
@@ -133,21 +133,21 @@ void AppendOperatingEnvironmentLines(TraceText *t) {
 
 void AppendExitContextLines(TraceText *t, const ExitControlBlock *cb) {
   TraceTextAppendLiteral(t, "|API Exit context\n");
-  AppendValueLine(t, "|  Exit name          : ", cb->ExitInfoName);
-  AppendValueLine(t, "|  Function name      : ", cb->EntryName);
-  AppendValueLine(t, "|  API caller type    : ", cb->ApiCallerTypeText);
-  AppendValueLine(t, "|  Queue manager      : ", cb->QMgrName);
-  AppendValueLine(t, "|  Environment        : ", cb->EnvironmentText);
-  AppendValueLine(t, "|  User id            : ", cb->UserId);
-  AppendValueLine(t, "|  Connection name    : ", cb->ConnectionName);
-  AppendValueLine(t, "|  Appl/Channel name  : ", cb->ApplName);
-  AppendValueLine(t, "|  Appl/Channel type  : ", cb->ApplTypeText);
-  AppendValueLine(t, "|  Program name       : ", cb->ProcessName);
-  AppendValueLine(t, "|  Program description: ", cb->ProcessDescription);
+  AppendValueLine(t, "|  Exit name          : ", cb->Identity.ExitInfoName);
+  AppendValueLine(t, "|  Function name      : ", cb->Identity.EntryName);
+  AppendValueLine(t, "|  API caller type    : ", cb->Identity.ApiCallerTypeText);
+  AppendValueLine(t, "|  Queue manager      : ", cb->Identity.QMgrName);
+  AppendValueLine(t, "|  Environment        : ", cb->Identity.EnvironmentText);
+  AppendValueLine(t, "|  User id            : ", cb->Identity.UserId);
+  AppendValueLine(t, "|  Connection name    : ", cb->Identity.ConnectionName);
+  AppendValueLine(t, "|  Appl/Channel name  : ", cb->Identity.ApplName);
+  AppendValueLine(t, "|  Appl/Channel type  : ", cb->Identity.ApplTypeText);
+  AppendValueLine(t, "|  Program name       : ", cb->Identity.ProcessName);
+  AppendValueLine(t, "|  Program description: ", cb->Identity.ProcessDescription);
   TraceTextAppendLiteral(t, "|  Process id         : ");
-  TraceTextAppendInt32(t, cb->ZkaxcProcessId, 0);
+  TraceTextAppendInt32(t, cb->Identity.ZkaxcProcessId, 0);
   TraceTextAppendLiteral(t, "\n|  Thread id          : ");
-  TraceTextAppendInt32(t, cb->ZkaxcThreadId, 0);
+  TraceTextAppendInt32(t, cb->Identity.ZkaxcThreadId, 0);
   TraceTextAppendLiteral(t, "\n|  Process id (real)  : ");
   TraceTextAppendUInt32(t, (uint32_t)getpid(), 0);
   TraceTextAppendLiteral(t, "\n|  Thread id  (real)  : ");

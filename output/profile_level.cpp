@@ -36,13 +36,13 @@ int32_t ParseLevelLine(ExitControlBlock *cb, char *line) {
   StringTrim(line);
   StringTrim(value);
   if (strcmp(line, "Version") == 0) {
-    CopyValue(cb->ZkVersion, sizeof cb->ZkVersion, value);
+    CopyValue(cb->Identity.ZkVersion, sizeof cb->Identity.ZkVersion, value);
     return 1;
   }
   if (strcmp(line, "CMVC level") == 0 || strcmp(line, "Level") == 0) {
-    CopyValue(cb->ZkLevel, sizeof cb->ZkLevel, value);
+    CopyValue(cb->Identity.ZkLevel, sizeof cb->Identity.ZkLevel, value);
   } else if (strcmp(line, "BuildType") == 0) {
-    CopyValue(cb->ZkBuildType, sizeof cb->ZkBuildType, value);
+    CopyValue(cb->Identity.ZkBuildType, sizeof cb->Identity.ZkBuildType, value);
   }
   return 0;
 }
@@ -74,9 +74,9 @@ int32_t SetZkLevelInfo(ExitControlBlock *cb) {
 }
 
 int32_t SetZkLevelToCommonArea(ExitControlBlock *cb, const char *text) {
-  cb->ZkVersion[0] = '\0';
-  cb->ZkLevel[0] = '\0';
-  cb->ZkBuildType[0] = '\0';
+  cb->Identity.ZkVersion[0] = '\0';
+  cb->Identity.ZkLevel[0] = '\0';
+  cb->Identity.ZkBuildType[0] = '\0';
   uint8_t versionFound = 0;
   const char *start = text;
   while (*start != '\0') {

@@ -16,8 +16,8 @@ namespace {
 // The lines that number a before-call, with a note about the calls the
 // filters left out since the last number printed.
 void AppendSequenceLines(ExitControlBlock *cb, TraceText *text) {
-  uint32_t count = cb->Totals[COUNTER_CUMULATIVE].CallCount;
-  uint32_t last = cb->LastPrintedSequence;
+  uint32_t count = cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount;
+  uint32_t last = cb->Counters.LastPrintedSequence;
   if (last < count) {
     TraceTextAppendLiteral(text, "|>-- Seq # : ");
     if (last + 1 != count) {
@@ -30,7 +30,7 @@ void AppendSequenceLines(ExitControlBlock *cb, TraceText *text) {
   TraceTextAppendLiteral(text, "|--- Seq # : ");
   TraceTextAppendUInt32(text, count + 1, 0);
   TraceTextAppendLiteral(text, " ---------------------------------------\n");
-  cb->LastPrintedSequence = count + 1;
+  cb->Counters.LastPrintedSequence = count + 1;
 }
 
 // One name line: the marker, the name, and the value's number after an
@@ -106,12 +106,13 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
   // Only a before-call may start a new file, so that the records before and
   // after one call always share a file.
   if (apiExit) {
-    cb->RotationPermitted = (exitReason == ZKXR_AFTER || function == ZKXF_DATA_CONV_ON_GET) ? 0 : 1;
+    cb->File.RotationPermitted =
+        (exitReason == ZKXR_AFTER || function == ZKXF_DATA_CONV_ON_GET) ? 0 : 1;
   } else {
-    cb->RotationPermitted = 1;
+    cb->File.RotationPermitted = 1;
   }
   int32_t status = SetDataToWriteBuffer(cb, "-");
-  cb->RotationPermitted = 0;
+  cb->File.RotationPermitted = 0;
 
   // A header is a few lines of names, numbers and a time: it always fits.
   TraceText text;
@@ -124,7 +125,7 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
   }
   struct timeval now;
   int32_t stampLength = SetRecordTimeAndShow(cb, &now);
-  TraceTextAppend(&text, cb->RecordTimeText, stampLength);
+  TraceTextAppend(&text, cb->Clock.RecordTimeText, stampLength);
   TraceTextAppendChar(&text, '\n');
 
   if (!apiExit) {
@@ -141,9 +142,9 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
   if (exitReason == ZKXR_BEFORE && function != ZKXF_DATA_CONV_ON_GET) {
     // The header's time is when the call started.
     if (function < ZKXF_XACLOSE) {
-      cb->ApiBeforeTime = now;
+      cb->Clock.ApiBeforeTime = now;
     } else {
-      cb->XaBeforeTime = now;
+      cb->Clock.XaBeforeTime = now;
     }
   }
 

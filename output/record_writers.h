@@ -21,7 +21,7 @@ enum RecordCounting : int32_t {
 
 // Writes the header record of a call before or after it; after the call it
 // shows the codes and the elapsed time (also stored in *elapsed). The
-// record's time stamp stays in cb->RecordTimeText for the counting that
+// record's time stamp stays in cb->Clock.RecordTimeText for the counting that
 // follows. The call counting itself is PutHeaderRecord's (exit/).
 RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t exitReason,
                                  int32_t compCode, int32_t reason, int64_t *elapsed);
@@ -29,7 +29,7 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
 // The one-line record of summary-only mode, unless ShowPerformanceOnly or a
 // ShowSummaryDataSuppress entry leaves it out. `md` may be null; `msgLength`
 // -1 means none. Returns the call's elapsed time; the time stamp stays in
-// cb->RecordTimeText as above. PutSimpleRecord (exit/) counts the call.
+// cb->Clock.RecordTimeText as above. PutSimpleRecord (exit/) counts the call.
 int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason, const ZKMD *md,
                           int32_t msgLength);
 

@@ -47,7 +47,7 @@ bool SimpleRecordWanted(const ExitControlBlock *cb, int32_t function, int32_t co
     if ((e.CompCode == PARAMETER_ANY || e.CompCode == compCode) &&
         (e.Reason == PARAMETER_ANY || e.Reason == reason) &&
         (e.Function == PARAMETER_ANY || e.Function == function) &&
-        SuppressObjectMatches(e.ObjectName, cb->CurrentQueueName)) {
+        SuppressObjectMatches(e.ObjectName, cb->Call.CurrentQueueName)) {
       return false;
     }
   }
@@ -109,30 +109,30 @@ const char *ReasonName(int32_t function, int32_t reason) {
 
 int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason, const ZKMD *md,
                           int32_t msgLength) {
-  int32_t function = cb->CurrentFunction;
+  int32_t function = cb->Call.CurrentFunction;
   struct timeval now;
   int32_t stampLength = SetRecordTimeAndShow(cb, &now);
   int64_t elapsed = 0;
   CalculateApiCallTimeAndShow(cb, function, &now, nullptr, &elapsed);
   if (SimpleRecordWanted(cb, function, compCode, reason)) {
     // The file may switch here, between calls.
-    cb->RotationPermitted = 1;
+    cb->File.RotationPermitted = 1;
     int32_t status = SetDataToWriteBuffer(cb, "");
 
     TraceText text;
     TraceTextStart(&text, cb, TRACE_TEXT_CUT);
-    if (cb->NewFileOpened) {
+    if (cb->File.NewFileOpened) {
       TraceTextAppendLiteral(&text, "-\n");
       TraceTextAppendLiteral(&text, kSimpleRecordHeading);
       if (cb->Settings.ShowSummaryCorrelId) {
         TraceTextAppendLiteral(&text, "  CorrelId");
       }
       TraceTextAppendChar(&text, '\n');
-      cb->NewFileOpened = 0;
+      cb->File.NewFileOpened = 0;
     }
-    TraceTextAppendUInt32(&text, cb->Totals[COUNTER_CUMULATIVE].CallCount + 1, 8);
+    TraceTextAppendUInt32(&text, cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount + 1, 8);
     TraceTextAppendChar(&text, ' ');
-    TraceTextAppend(&text, cb->RecordTimeText, stampLength);
+    TraceTextAppend(&text, cb->Clock.RecordTimeText, stampLength);
     TraceTextAppendLiteral(&text, "  ");
     TraceTextAppendPadded(&text, SearchConstantInt(function, Constant_Function), 11);
     TraceTextAppendUInt32(&text, (uint32_t)compCode, 3);
@@ -140,7 +140,7 @@ int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason
     TraceTextAppendChar(&text, ' ');
     AppendProcessTime(&text, elapsed);
     TraceTextAppendLiteral(&text, "  ");
-    TraceTextAppendPadded(&text, function < ZKXF_XACLOSE ? cb->CurrentQueueName : "", 48);
+    TraceTextAppendPadded(&text, function < ZKXF_XACLOSE ? cb->Call.CurrentQueueName : "", 48);
     if (md != nullptr && compCode != ZKCC_FAILED) {
       AppendDescriptor(cb, &text, md, msgLength);
     }

@@ -68,7 +68,7 @@ CallCounterRecord *RecordOf(ExitControlBlock *cb, int32_t function, int32_t peri
   if (index < 0 || index >= STATISTICS_FUNCTION_COUNT) {
     return nullptr;
   }
-  return &cb->Statistics[index][period];
+  return &cb->Counters.Statistics[index][period];
 }
 
 // One process-time row; a function without records shows an empty row.
@@ -101,14 +101,14 @@ void AppendApiSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t period, i
                             "|  ---------- -------- -------- -------- -------- -------- "
                             "------------ ------------ ------------\n");
   AppendApiRows(t, cb, kBaseRows, ROW_COUNT(kBaseRows), period, mode);
-  if (cb->ApiLevel >= API_LEVEL_700) {
+  if (cb->Identity.ApiLevel >= API_LEVEL_700) {
     AppendApiRows(t, cb, kLevel700Rows, ROW_COUNT(kLevel700Rows), period, mode);
     if (cb->Settings.ShowXaCalls == 1) {
       AppendApiRows(t, cb, kXaRows, ROW_COUNT(kXaRows), period, 0);
     }
   }
   TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
-  AppendOneSummaryRecord(t, "Total", &cb->Totals[period], mode);
+  AppendOneSummaryRecord(t, "Total", &cb->Counters.Totals[period], mode);
 }
 
 // Channel rows and the counter records they show. A channel build counts a
@@ -133,7 +133,7 @@ void AppendChannelRequestRow(TraceText *t, ExitControlBlock *cb, const char *lab
     request.TimedCalls = record->SecondCount;
     request.CallCount = (uint32_t)record->SecondCount;
   }
-  AppendOneChlSummaryRecordNorc(t, label, &request, mode, &cb->Totals[period]);
+  AppendOneChlSummaryRecordNorc(t, label, &request, mode, &cb->Counters.Totals[period]);
   if (mode == 1 && record != nullptr) {
     record->SecondMinimum = 0;
     record->SecondMaximum = 0;
@@ -161,7 +161,7 @@ void AppendChannelOwnRequestRow(TraceText *t, ExitControlBlock *cb, const char *
     memset(&empty, 0, sizeof empty);
     record = &empty;
   }
-  AppendOneChlSummaryRecordNorc(t, label, record, mode, &cb->Totals[period]);
+  AppendOneChlSummaryRecordNorc(t, label, record, mode, &cb->Counters.Totals[period]);
 }
 
 // The label of one row of a pair: the call's name left-justified in 7
@@ -210,7 +210,7 @@ void AppendChannelSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t perio
                             "|  --------------- -------- -------- -------- -------- -------- "
                             "--------- --------- ---------\n");
   AppendChannelPairs(t, cb, kChannelBaseRows, ROW_COUNT(kChannelBaseRows), period, mode);
-  if (cb->ApiLevel >= API_LEVEL_700) {
+  if (cb->Identity.ApiLevel >= API_LEVEL_700) {
     AppendChannelPairs(t, cb, kLevel700Rows, ROW_COUNT(kLevel700Rows), period, mode);
   }
   AppendChannelPair(t, cb, "XA", ZKXF_XACLOSE, period, mode);
@@ -219,7 +219,7 @@ void AppendChannelSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t perio
   AppendChannelOwnRequestRow(t, cb, "MSG", ZKXF_XAEND, period, mode);
   AppendChannelOwnRequestRow(t, cb, "others", ZKXF_XAFORGET, period, mode);
   TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
-  AppendOneChlSummaryRecord(t, "Total", &cb->Totals[period], mode);
+  AppendOneChlSummaryRecord(t, "Total", &cb->Counters.Totals[period], mode);
 }
 
 void AppendSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t period, int32_t mode) {
@@ -233,10 +233,11 @@ void AppendSummaryTable(TraceText *t, ExitControlBlock *cb, int32_t period, int3
 // The split starts at the connection's start until the first split summary
 // has been written.
 void EnsureSplitStart(ExitControlBlock *cb) {
-  if (cb->SplitStartTime.tv_sec == 0 && cb->SplitStartTime.tv_usec == 0) {
-    cb->SplitStartTime = cb->StartTime;
-    memcpy(cb->SplitStartText, cb->StartTimeText, sizeof cb->SplitStartText);
-    cb->SplitStartText[sizeof cb->SplitStartText - 1] = '\0';
+  if (cb->Counters.SplitStartTime.tv_sec == 0 && cb->Counters.SplitStartTime.tv_usec == 0) {
+    cb->Counters.SplitStartTime = cb->Clock.StartTime;
+    memcpy(cb->Counters.SplitStartText, cb->Clock.StartTimeText,
+           sizeof cb->Counters.SplitStartText);
+    cb->Counters.SplitStartText[sizeof cb->Counters.SplitStartText - 1] = '\0';
   }
 }
 
@@ -265,12 +266,12 @@ void AppendSplitDuration(TraceText *t, int64_t microseconds) {
 
 void AppendSplitSummary(TraceText *t, ExitControlBlock *cb, const struct timeval *now,
                         const char *nowText, int64_t elapsed) {
-  cb->SplitSequence++;
+  cb->Counters.SplitSequence++;
   TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
   TraceTextAppendLiteral(t, "|Split summary (");
-  TraceTextAppendUInt32(t, cb->SplitSequence, 0);
+  TraceTextAppendUInt32(t, cb->Counters.SplitSequence, 0);
   TraceTextAppendLiteral(t, ")\n|  start ");
-  TraceTextAppendString(t, cb->SplitStartText);
+  TraceTextAppendString(t, cb->Counters.SplitStartText);
   TraceTextAppendLiteral(t, "\n|  end   ");
   TraceTextAppendString(t, nowText);
   TraceTextAppendChar(t, '\n');
@@ -279,29 +280,29 @@ void AppendSplitSummary(TraceText *t, ExitControlBlock *cb, const struct timeval
   TraceTextAppendLiteral(t, SUMMARY_DASHED_LINE);
   TraceTextAppendLiteral(t, "|\n|\n|\n");
   if (now != nullptr) {
-    cb->SplitStartTime = *now;
+    cb->Counters.SplitStartTime = *now;
   }
-  memcpy(cb->SplitStartText, nowText, sizeof cb->SplitStartText);
-  cb->SplitStartText[sizeof cb->SplitStartText - 1] = '\0';
+  memcpy(cb->Counters.SplitStartText, nowText, sizeof cb->Counters.SplitStartText);
+  cb->Counters.SplitStartText[sizeof cb->Counters.SplitStartText - 1] = '\0';
 }
 
 } // namespace
 
 void PutSummaryRecord(ExitControlBlock *cb) {
-  if (cb->Totals[COUNTER_CUMULATIVE].CallCount == 0) {
+  if (cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount == 0) {
     return;
   }
   EnsureSplitStart(cb);
   // Without addresses the output is meant to be comparable between runs:
   // no clock is read, the time texts stay empty and the split lasts 0.
   struct timeval now;
-  char nowText[sizeof cb->SplitStartText];
+  char nowText[sizeof cb->Counters.SplitStartText];
   memset(&now, 0, sizeof now);
   nowText[0] = '\0';
   int64_t elapsed = 0;
-  if (cb->NoAddress == 0) {
+  if (cb->File.NoAddress == 0) {
     SetTimeAndShow(&now, nowText);
-    elapsed = MicrosecondsBetween(&cb->SplitStartTime, &now);
+    elapsed = MicrosecondsBetween(&cb->Counters.SplitStartTime, &now);
   }
 
   TraceText t;
@@ -317,7 +318,7 @@ void PutSummaryRecord(ExitControlBlock *cb) {
 
   if (cb->Settings.ShowPerformanceIntervalTime >= 1 ||
       cb->Settings.ShowPerformanceIntervalCount >= 1) {
-    AppendSplitSummary(&t, cb, cb->NoAddress == 0 ? &now : nullptr, nowText, elapsed);
+    AppendSplitSummary(&t, cb, cb->File.NoAddress == 0 ? &now : nullptr, nowText, elapsed);
   }
   TraceTextWrite(&t);
 }

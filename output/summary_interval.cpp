@@ -11,9 +11,9 @@ namespace {
 // A summary at an interval's end may start a new trace file first, as a
 // before-call header may; its own lines then stay in one file.
 void PutIntervalSummary(ExitControlBlock *cb) {
-  cb->RotationPermitted = 1;
+  cb->File.RotationPermitted = 1;
   int32_t rc = SetDataToWriteBuffer(cb, "");
-  cb->RotationPermitted = 0;
+  cb->File.RotationPermitted = 0;
   if (rc != RC_OK) {
     return;
   }
@@ -27,25 +27,25 @@ void ShowPerformanceSummary(ExitControlBlock *cb) {
   uint8_t written = 0;
 
   if (settings.ShowPerformanceIntervalCount > 0) {
-    cb->IntervalCallCounter++;
-    if (cb->IntervalCallCounter >= settings.ShowPerformanceIntervalCount) {
+    cb->Counters.IntervalCallCounter++;
+    if (cb->Counters.IntervalCallCounter >= settings.ShowPerformanceIntervalCount) {
       PutIntervalSummary(cb);
-      cb->IntervalCallCounter = 0;
+      cb->Counters.IntervalCallCounter = 0;
       written = 1;
     }
   }
 
   if (settings.ShowPerformanceIntervalTime >= 1) {
     time_t now = time(nullptr);
-    if (cb->LastIntervalTime == 0) {
-      cb->LastIntervalTime = now;
-    } else if ((int64_t)now - (int64_t)cb->LastIntervalTime >=
+    if (cb->Counters.LastIntervalTime == 0) {
+      cb->Counters.LastIntervalTime = now;
+    } else if ((int64_t)now - (int64_t)cb->Counters.LastIntervalTime >=
                (int64_t)settings.ShowPerformanceIntervalTime) {
       // One summary covers both intervals when they end at the same call.
       if (written == 0) {
         PutIntervalSummary(cb);
       }
-      cb->LastIntervalTime = now;
+      cb->Counters.LastIntervalTime = now;
     }
   }
 }

@@ -68,14 +68,14 @@ void SetTimeAndShow(struct timeval *now, char *text) {
 
 int32_t SetRecordTimeAndShow(ExitControlBlock *cb, struct timeval *now) {
   gettimeofday(now, nullptr);
-  if (cb->StampPrefixLength == 0 || cb->StampSecond != now->tv_sec) {
+  if (cb->Clock.StampPrefixLength == 0 || cb->Clock.StampSecond != now->tv_sec) {
     struct tm local;
     time_t seconds = now->tv_sec;
     localtime_r(&seconds, &local);
-    cb->StampPrefixLength = FormatStampPrefix(cb->StampPrefix, &local);
-    cb->StampSecond = now->tv_sec;
+    cb->Clock.StampPrefixLength = FormatStampPrefix(cb->Clock.StampPrefix, &local);
+    cb->Clock.StampSecond = now->tv_sec;
   }
-  return FinishStamp(cb->RecordTimeText, cb->StampPrefix, cb->StampPrefixLength,
+  return FinishStamp(cb->Clock.RecordTimeText, cb->Clock.StampPrefix, cb->Clock.StampPrefixLength,
                      (uint32_t)now->tv_usec);
 }
 
@@ -111,15 +111,15 @@ void AppendProcessTime(TraceText *text, int64_t microseconds) {
 }
 
 void SetConnectionStartTime(ExitControlBlock *cb) {
-  SetTimeAndShow(&cb->StartTime, cb->StartTimeText);
+  SetTimeAndShow(&cb->Clock.StartTime, cb->Clock.StartTimeText);
 }
 
 void setTimeBeforeApiCall(ExitControlBlock *cb) {
-  gettimeofday(&cb->ApiBeforeTime, nullptr);
+  gettimeofday(&cb->Clock.ApiBeforeTime, nullptr);
 }
 
 void SetTimeBeforeApiCallXa(ExitControlBlock *cb) {
-  gettimeofday(&cb->XaBeforeTime, nullptr);
+  gettimeofday(&cb->Clock.XaBeforeTime, nullptr);
 }
 
 void ReformatProcessTime(char *text, int32_t, int64_t microseconds) {
@@ -129,7 +129,8 @@ void ReformatProcessTime(char *text, int32_t, int64_t microseconds) {
 
 int64_t CalculateApiCallTimeAndShow(ExitControlBlock *cb, int32_t function,
                                     const struct timeval *now, char *text, int64_t *elapsed) {
-  const struct timeval &start = function >= ZKXF_XACLOSE ? cb->XaBeforeTime : cb->ApiBeforeTime;
+  const struct timeval &start =
+      function >= ZKXF_XACLOSE ? cb->Clock.XaBeforeTime : cb->Clock.ApiBeforeTime;
   int64_t microseconds = ((int64_t)now->tv_sec - (int64_t)start.tv_sec) * 1000000 +
                          ((int64_t)now->tv_usec - (int64_t)start.tv_usec);
   if (text != nullptr) {

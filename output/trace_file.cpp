@@ -48,48 +48,48 @@ void WriteLines(ExitControlBlock *cb, const char *const *lines, size_t count) {
   TraceTextWrite(&text);
 }
 
-// Opens cb->TraceFilePath: a stream in append mode, or a descriptor on the
+// Opens cb->File.TraceFilePath: a stream in append mode, or a descriptor on the
 // existing file, else a new file created exclusively with mode 0660. A
 // symbolic link or anything but a regular file at the name is a file that
 // cannot be opened.
 int32_t OpenTraceFile(ExitControlBlock *cb) {
   if (cb->Settings.WriteStream == 1) {
-    FILE *stream = OpenExitStream(cb->TraceFilePath, EXIT_FILE_APPEND);
+    FILE *stream = OpenExitStream(cb->File.TraceFilePath, EXIT_FILE_APPEND);
     if (stream == nullptr) {
-      PutMessage<1001>(cb, -1, cb->TraceFilePath, "fopen");
+      PutMessage<1001>(cb, -1, cb->File.TraceFilePath, "fopen");
       return -1;
     }
-    cb->FileStream = stream;
+    cb->File.FileStream = stream;
     return 0;
   }
-  int descriptor = OpenExitFile(cb->TraceFilePath, EXIT_FILE_READ_WRITE);
+  int descriptor = OpenExitFile(cb->File.TraceFilePath, EXIT_FILE_READ_WRITE);
   if (descriptor < 0 && errno == ENOENT) {
-    descriptor = OpenExitFile(cb->TraceFilePath, EXIT_FILE_CREATE_NEW);
+    descriptor = OpenExitFile(cb->File.TraceFilePath, EXIT_FILE_CREATE_NEW);
   }
   if (descriptor < 0) {
-    PutMessage<1001>(cb, -1, cb->TraceFilePath, "open");
+    PutMessage<1001>(cb, -1, cb->File.TraceFilePath, "open");
     return -1;
   }
-  cb->FileDescriptor = descriptor;
+  cb->File.FileDescriptor = descriptor;
   return 0;
 }
 
 void CloseTraceFile(ExitControlBlock *cb) {
-  if (cb->FileStream != nullptr) {
-    fclose(cb->FileStream);
-    cb->FileStream = nullptr;
+  if (cb->File.FileStream != nullptr) {
+    fclose(cb->File.FileStream);
+    cb->File.FileStream = nullptr;
   }
-  if (cb->FileDescriptor > 0) {
-    close(cb->FileDescriptor);
+  if (cb->File.FileDescriptor > 0) {
+    close(cb->File.FileDescriptor);
   }
-  cb->FileDescriptor = 0;
+  cb->File.FileDescriptor = 0;
 }
 
 // Closes the current file and opens the next one with its profile and the
 // summary so far.
 int32_t SwitchTraceFile(ExitControlBlock *cb) {
   CloseAndCompressFile(cb, nullptr);
-  cb->ThreadChanged = 0;
+  cb->File.ThreadChanged = 0;
   int64_t reopenedSize = 0;
   if (GenerateNewFileName(cb, &reopenedSize) != 0) {
     cb->FatalError = 1;
@@ -101,25 +101,25 @@ int32_t SwitchTraceFile(ExitControlBlock *cb) {
   }
   cb->WriteBufferFill = 0;
   // The first write interval runs from the opening of the file.
-  cb->LastFlushTime = time(nullptr);
-  cb->RecordedProcessId = CurrentProcessId();
-  cb->RecordedThreadId = CurrentThreadId();
+  cb->File.LastFlushTime = time(nullptr);
+  cb->File.RecordedProcessId = CurrentProcessId();
+  cb->File.RecordedThreadId = CurrentThreadId();
   // The profile banner of a reopened file sets this too; the closing note
   // depends on it, so it is set where the reopening happened.
   if (reopenedSize > 0) {
-    cb->FileReopened = 1;
+    cb->File.FileReopened = 1;
   }
   PutProcessProfileRecords(cb, reopenedSize);
   if (cb->Settings.ShowPerformanceOnly == 1) {
     cb->Settings.ShowSummaryOnly = 1;
   }
   PutSummaryRecord(cb);
-  cb->NewFileOpened = 1;
+  cb->File.NewFileOpened = 1;
   return 0;
 }
 
 void ResetFileCounters(ExitControlBlock *cb) {
-  cb->CurrentFileSize = 0;
+  cb->File.CurrentFileSize = 0;
   cb->WriteBufferFill = 0;
   if (cb->WriteBufferSize > 0) {
     cb->WriteBuffer[0] = '\0';
@@ -127,9 +127,9 @@ void ResetFileCounters(ExitControlBlock *cb) {
 }
 
 void WriteUnknownAttributeBlock(ExitControlBlock *cb) {
-  char contact[sizeof cb->MakerContact + 1];
-  memcpy(contact, cb->MakerContact, sizeof cb->MakerContact);
-  contact[sizeof cb->MakerContact] = '\0';
+  char contact[sizeof cb->Identity.MakerContact + 1];
+  memcpy(contact, cb->Identity.MakerContact, sizeof cb->Identity.MakerContact);
+  contact[sizeof cb->Identity.MakerContact] = '\0';
   const char *const lines[] = {
       "\n",
       kStarLine,
@@ -199,23 +199,23 @@ int32_t CompressClosedFile(ExitControlBlock *cb, const char *closedPath) {
 } // namespace
 
 int32_t TraceFileIsOpen(const ExitControlBlock *cb) {
-  return (cb->FileStream != nullptr || cb->FileDescriptor > 0) ? 1 : 0;
+  return (cb->File.FileStream != nullptr || cb->File.FileDescriptor > 0) ? 1 : 0;
 }
 
 void NoteProcessOrThreadChange(ExitControlBlock *cb) {
   uint32_t processId = (uint32_t)CurrentProcessId();
   uint32_t threadId = CurrentThreadId();
-  if (cb->RecordedProcessId == 0 && cb->RecordedThreadId == 0) {
-    cb->RecordedProcessId = (int32_t)processId;
-    cb->RecordedThreadId = threadId;
+  if (cb->File.RecordedProcessId == 0 && cb->File.RecordedThreadId == 0) {
+    cb->File.RecordedProcessId = (int32_t)processId;
+    cb->File.RecordedThreadId = threadId;
     return;
   }
-  uint32_t recordedProcessId = (uint32_t)cb->RecordedProcessId;
-  uint32_t recordedThreadId = cb->RecordedThreadId;
+  uint32_t recordedProcessId = (uint32_t)cb->File.RecordedProcessId;
+  uint32_t recordedThreadId = cb->File.RecordedThreadId;
   if (processId == recordedProcessId && threadId == recordedThreadId) {
     return;
   }
-  if (cb->SuppressProcessChangeNotes == 0) {
+  if (cb->File.SuppressProcessChangeNotes == 0) {
     TraceText note;
     TraceTextStart(&note, cb, TRACE_TEXT_WRITE_OUT);
     TraceTextAppendLiteral(&note, "|\n");
@@ -238,12 +238,12 @@ void NoteProcessOrThreadChange(ExitControlBlock *cb) {
     TraceTextAppendLiteral(&note, "|\n");
     TraceTextWrite(&note);
   }
-  cb->RecordedProcessId = (int32_t)processId;
-  cb->RecordedThreadId = threadId;
+  cb->File.RecordedProcessId = (int32_t)processId;
+  cb->File.RecordedThreadId = threadId;
   // The block's own identifiers follow, so that messages name the writer.
-  cb->ProcessId = (int32_t)processId;
-  cb->ThreadId = threadId;
-  cb->ThreadChanged = 1;
+  cb->Identity.ProcessId = (int32_t)processId;
+  cb->Identity.ThreadId = threadId;
+  cb->File.ThreadChanged = 1;
 }
 
 int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text) {
@@ -258,8 +258,8 @@ int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text) {
   }
   NoteProcessOrThreadChange(cb);
   int64_t length = (int64_t)strlen(text);
-  if (cb->RotationPermitted != 0 && cb->Settings.MaxFileSize > 0 &&
-      cb->Settings.MaxFileSize < cb->CurrentFileSize + length) {
+  if (cb->File.RotationPermitted != 0 && cb->Settings.MaxFileSize > 0 &&
+      cb->Settings.MaxFileSize < cb->File.CurrentFileSize + length) {
     if (SwitchTraceFile(cb) != 0) {
       return -1;
     }
@@ -282,25 +282,25 @@ void CloseAndCompressFile(ExitControlBlock *cb, const char *suffix) {
     FlushTraceDataInBuffer(cb);
   }
   PutSummaryRecord(cb);
-  if (cb->UnknownAttributeSeen != 0) {
+  if (cb->File.UnknownAttributeSeen != 0) {
     WriteUnknownAttributeBlock(cb);
-    cb->UnknownAttributeSeen = 0;
+    cb->File.UnknownAttributeSeen = 0;
   }
   NoteProcessOrThreadChange(cb);
-  if (cb->ThreadChanged != 0) {
+  if (cb->File.ThreadChanged != 0) {
     WriteThreadChangedBlock(cb);
   }
-  if (cb->FileReopened != 0) {
+  if (cb->File.FileReopened != 0) {
     WriteReopenedBlock(cb);
-    cb->FileReopened = 0;
+    cb->File.FileReopened = 0;
   }
   FlushTraceDataInBuffer(cb);
   CloseTraceFile(cb);
 
   // A file another process or thread wrote to keeps ".t" and is left alone.
-  if (cb->ThreadChanged == 0) {
+  if (cb->File.ThreadChanged == 0) {
     char closedPath[kPathSize];
-    snprintf(closedPath, sizeof closedPath, "%s", cb->TraceFilePath);
+    snprintf(closedPath, sizeof closedPath, "%s", cb->File.TraceFilePath);
     size_t length = strlen(closedPath);
     if (length > 2 && strcmp(closedPath + length - 2, ".t") == 0) {
       closedPath[length - 2] = '\0';
@@ -308,11 +308,11 @@ void CloseAndCompressFile(ExitControlBlock *cb, const char *suffix) {
     }
     snprintf(closedPath + length, sizeof closedPath - length, ".txt%s",
              suffix != nullptr ? suffix : "");
-    if (rename(cb->TraceFilePath, closedPath) != 0) {
+    if (rename(cb->File.TraceFilePath, closedPath) != 0) {
       return;
     }
     if (cb->Settings.CompressCommand[0] != '\0' &&
-        cb->CurrentFileSize >= (int64_t)cb->Settings.CompressFileSizeThreshold) {
+        cb->File.CurrentFileSize >= (int64_t)cb->Settings.CompressFileSizeThreshold) {
       if (CompressClosedFile(cb, closedPath) != 0) {
         return;
       }

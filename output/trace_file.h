@@ -24,7 +24,7 @@ int32_t FlushTraceDataInBuffer(ExitControlBlock *cb);
 // ".txt" (then `suffix`, when given), compression. `suffix` may be null.
 void CloseAndCompressFile(ExitControlBlock *cb, const char *suffix);
 
-// Chooses the next file name and stores its full path in cb->TraceFilePath.
+// Chooses the next file name and stores its full path in cb->File.TraceFilePath.
 // 0 or -1; *reopenedSize is the size of a closed file taken up again, else 0.
 int32_t GenerateNewFileName(ExitControlBlock *cb, int64_t *reopenedSize);
 

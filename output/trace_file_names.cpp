@@ -60,9 +60,9 @@ void TranslateZkObjectNameToFileName(char *text, int32_t length) {
 }
 
 int32_t CheckFileExistence(ExitControlBlock *cb, const char *name, int64_t *size) {
-  DIR *directory = opendir(cb->TraceDirectory);
+  DIR *directory = opendir(cb->File.TraceDirectory);
   if (directory == nullptr) {
-    PutMessage<1001>(cb, -1, cb->TraceDirectory, "opendir");
+    PutMessage<1001>(cb, -1, cb->File.TraceDirectory, "opendir");
     return -1;
   }
   size_t nameLength = strlen(name);
@@ -70,7 +70,7 @@ int32_t CheckFileExistence(ExitControlBlock *cb, const char *name, int64_t *size
   while (struct dirent *entry = readdir(directory)) {
     if (strcmp(entry->d_name, name) == 0) {
       char path[kPathSize];
-      snprintf(path, sizeof path, "%s%s", cb->TraceDirectory, name);
+      snprintf(path, sizeof path, "%s%s", cb->File.TraceDirectory, name);
       struct stat status;
       *size = lstat(path, &status) == 0 ? (int64_t)status.st_size : 0;
       closedir(directory);
@@ -90,8 +90,9 @@ namespace {
 // name, "_pid_tid_" of the exit context, then "perf_" or "summary_".
 // 0, or -1 when the stem does not fit.
 int32_t BuildFileNameStem(const ExitControlBlock *cb, char *stem, size_t size) {
-  char qmgr[sizeof cb->QMgrName];
-  snprintf(qmgr, sizeof qmgr, "%s", cb->QMgrName[0] != '\0' ? cb->QMgrName : "client");
+  char qmgr[sizeof cb->Identity.QMgrName];
+  snprintf(qmgr, sizeof qmgr, "%s",
+           cb->Identity.QMgrName[0] != '\0' ? cb->Identity.QMgrName : "client");
   TranslateZkObjectNameToFileName(qmgr, (int32_t)strlen(qmgr));
   const char *mode = "";
   if (cb->Settings.ShowPerformanceOnly == 1) {
@@ -99,8 +100,9 @@ int32_t BuildFileNameStem(const ExitControlBlock *cb, char *stem, size_t size) {
   } else if (cb->Settings.ShowSummaryOnly == 1) {
     mode = "summary_";
   }
-  int length = snprintf(stem, size, "wz_%s_%s_%u_%u_%s", qmgr, cb->ProcessName,
-                        (unsigned)cb->ZkaxcProcessId, (unsigned)cb->ZkaxcThreadId, mode);
+  int length =
+      snprintf(stem, size, "wz_%s_%s_%u_%u_%s", qmgr, cb->Identity.ProcessName,
+               (unsigned)cb->Identity.ZkaxcProcessId, (unsigned)cb->Identity.ZkaxcThreadId, mode);
   return (length >= 0 && (size_t)length < size) ? 0 : -1;
 }
 
@@ -123,10 +125,11 @@ int32_t GenerateNewFileName(ExitControlBlock *cb, int64_t *reopenedSize) {
   char openName[kNameSize];
   char closedName[kNameSize];
   int64_t size = 0;
-  while (cb->FileSequenceNumber < INT32_MAX) {
-    cb->FileSequenceNumber++;
-    if (BuildFileName(stem, cb->FileSequenceNumber, ".t", openName, sizeof openName) != 0 ||
-        BuildFileName(stem, cb->FileSequenceNumber, ".txt", closedName, sizeof closedName) != 0) {
+  while (cb->File.FileSequenceNumber < INT32_MAX) {
+    cb->File.FileSequenceNumber++;
+    if (BuildFileName(stem, cb->File.FileSequenceNumber, ".t", openName, sizeof openName) != 0 ||
+        BuildFileName(stem, cb->File.FileSequenceNumber, ".txt", closedName, sizeof closedName) !=
+            0) {
       return -1;
     }
     int32_t found = CheckFileExistence(cb, openName, &size);
@@ -143,18 +146,18 @@ int32_t GenerateNewFileName(ExitControlBlock *cb, int64_t *reopenedSize) {
     if (found == 1) {
       continue; // a compressed or otherwise extended file of this number
     }
-    int length =
-        snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s%s", cb->TraceDirectory, openName);
-    if (length < 0 || (size_t)length >= sizeof cb->TraceFilePath) {
+    int length = snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s%s",
+                          cb->File.TraceDirectory, openName);
+    if (length < 0 || (size_t)length >= sizeof cb->File.TraceFilePath) {
       return -1;
     }
     if (found == 0) {
-      cb->CurrentFileSize = 0;
+      cb->File.CurrentFileSize = 0;
       return 0;
     }
     // A closed file of exactly this name: take it up again, appending.
     char closedPath[kPathSize];
-    snprintf(closedPath, sizeof closedPath, "%s%s", cb->TraceDirectory, closedName);
+    snprintf(closedPath, sizeof closedPath, "%s%s", cb->File.TraceDirectory, closedName);
     // Only a regular file is taken up again: a link planted at the name
     // would lead the trace into someone else's file.
     struct stat status;
@@ -166,11 +169,11 @@ int32_t GenerateNewFileName(ExitControlBlock *cb, int64_t *reopenedSize) {
       PutMessage<1001>(cb, -1, closedPath, cb->Settings.WriteStream == 1 ? "fopen" : "open");
       return -1;
     }
-    if (rename(closedPath, cb->TraceFilePath) != 0) {
-      PutMessage<1006>(cb, -1, closedPath, cb->TraceFilePath);
+    if (rename(closedPath, cb->File.TraceFilePath) != 0) {
+      PutMessage<1006>(cb, -1, closedPath, cb->File.TraceFilePath);
       return -1;
     }
-    cb->CurrentFileSize = size;
+    cb->File.CurrentFileSize = size;
     *reopenedSize = size;
     return 0;
   }

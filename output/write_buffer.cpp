@@ -18,11 +18,11 @@ namespace {
 // Writes the whole text to the open descriptor; a short or failed write
 // stops the trace.
 int32_t WriteDirect(ExitControlBlock *cb, const char *text, size_t length) {
-  ssize_t written = write(cb->FileDescriptor, text, length);
+  ssize_t written = write(cb->File.FileDescriptor, text, length);
   if (written < 0 || (size_t)written < length) {
     int error = written < 0 ? errno : 0;
     cb->FatalError = 1;
-    PutMessage<1001>(cb, error, cb->TraceFilePath, "write");
+    PutMessage<1001>(cb, error, cb->File.TraceFilePath, "write");
     return -1;
   }
   return 0;
@@ -39,16 +39,16 @@ int32_t FlushBeforeAppending(ExitControlBlock *cb, size_t length) {
     // The next interval is counted from this flush, so a buffer that fills
     // regularly is not flushed a second time for the interval.
     if (cb->Settings.WriteInterval != 0) {
-      cb->LastFlushTime = time(nullptr);
+      cb->File.LastFlushTime = time(nullptr);
     }
     return result;
   }
   if (cb->Settings.WriteInterval != 0) {
     time_t now = time(nullptr);
     // A difference in 64 bits: any interval from the file is safe to add.
-    if ((int64_t)now - (int64_t)cb->LastFlushTime > (int64_t)cb->Settings.WriteInterval) {
+    if ((int64_t)now - (int64_t)cb->File.LastFlushTime > (int64_t)cb->Settings.WriteInterval) {
       int32_t result = FlushTraceDataInBuffer(cb);
-      cb->LastFlushTime = now;
+      cb->File.LastFlushTime = now;
       return result;
     }
   }
@@ -58,10 +58,10 @@ int32_t FlushBeforeAppending(ExitControlBlock *cb, size_t length) {
 // Counts the text as written and shows the progress mark when it is
 // passed.
 void CountWritten(ExitControlBlock *cb, size_t length) {
-  cb->CurrentFileSize += (int64_t)length;
-  if (cb->ProgressMark > 0 && cb->ProgressMark < cb->CurrentFileSize) {
-    fprintf(stdout, "<%uMB>", (unsigned)(cb->ProgressMark / 1000000));
-    cb->ProgressMark += 10000000;
+  cb->File.CurrentFileSize += (int64_t)length;
+  if (cb->File.ProgressMark > 0 && cb->File.ProgressMark < cb->File.CurrentFileSize) {
+    fprintf(stdout, "<%uMB>", (unsigned)(cb->File.ProgressMark / 1000000));
+    cb->File.ProgressMark += 10000000;
   }
 }
 
@@ -69,13 +69,13 @@ void CountWritten(ExitControlBlock *cb, size_t length) {
 int32_t WriteText(ExitControlBlock *cb, const char *text, size_t length) {
   // The handle that is open decides the way of writing, so that a settings
   // change while a file is open cannot lead to an unopened handle.
-  if (cb->FileStream != nullptr) {
-    if (fputs(text, cb->FileStream) < 0) {
+  if (cb->File.FileStream != nullptr) {
+    if (fputs(text, cb->File.FileStream) < 0) {
       cb->FatalError = 1;
-      PutMessage<1001>(cb, -1, cb->TraceFilePath, "fputs");
+      PutMessage<1001>(cb, -1, cb->File.TraceFilePath, "fputs");
       return -1;
     }
-  } else if (cb->FileDescriptor <= 0) {
+  } else if (cb->File.FileDescriptor <= 0) {
     return -1; // no file is open: the text has nowhere to go
   } else if (cb->Settings.WriteCache == 1) {
     if (FlushBeforeAppending(cb, length) != 0) {
@@ -114,20 +114,20 @@ int32_t WriteTraceDataLength(ExitControlBlock *cb, const char *text, int32_t len
 }
 
 int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {
-  if (cb == nullptr || cb->FileStream != nullptr || cb->WriteBufferFill <= 0) {
+  if (cb == nullptr || cb->File.FileStream != nullptr || cb->WriteBufferFill <= 0) {
     return 0;
   }
-  if (cb->FileDescriptor <= 0) {
+  if (cb->File.FileDescriptor <= 0) {
     cb->WriteBufferFill = 0;
     return -1;
   }
-  ssize_t written = write(cb->FileDescriptor, cb->WriteBuffer, (size_t)cb->WriteBufferFill);
+  ssize_t written = write(cb->File.FileDescriptor, cb->WriteBuffer, (size_t)cb->WriteBufferFill);
   cb->WriteBufferFill = 0;
   // Only a failed call counts: a short write (a full disk part-way through
   // the buffer) passes, and the next write reports the disk's error.
   if (written < 0) {
     cb->FatalError = 1;
-    PutMessage<1001>(cb, -1, cb->TraceFilePath, "write");
+    PutMessage<1001>(cb, -1, cb->File.TraceFilePath, "write");
     return -1;
   }
   return 0;

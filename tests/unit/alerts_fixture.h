@@ -17,10 +17,10 @@ struct AlertsTest : ::testing::Test {
   ExitControlBlock *cb = nullptr;
   void SetUp() override {
     cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s/", dir.Path().c_str());
-    strcpy(cb->ProcessName, "payroll");
-    cb->ProcessId = 77;
-    cb->ThreadId = 88;
+    snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s/", dir.Path().c_str());
+    strcpy(cb->Identity.ProcessName, "payroll");
+    cb->Identity.ProcessId = 77;
+    cb->Identity.ThreadId = 88;
   }
   void TearDown() override { free(cb); }
   std::string ErrorFile() { return dir.Read("wz_apiexit_error_77_88.txt"); }

@@ -99,7 +99,7 @@ TEST_F(AlertsHostile, BadParameterLineWithPlaceholdersIsWrittenAsItIs) {
 }
 
 TEST_F(AlertsHostile, ProcessNameWithPlaceholdersIsWrittenAsItIs) {
-  strcpy(cb->ProcessName, "[$2x][$3x][$1s]]");
+  strcpy(cb->Identity.ProcessName, "[$2x][$3x][$1s]]");
   PutMessage<1001>(cb, 0, "/x", "open");
   std::string text = ErrorFile();
   EXPECT_NE(text.find("  [[$2x][$3x][$1s]]] (77.88) Msg1001: File I/O error. \n"

@@ -108,7 +108,7 @@ TEST_F(AlertsTest, WithoutControlBlockWritesToCurrentDirectory) {
 }
 
 TEST_F(AlertsTest, UnwritableDirectoryFallsBackToCurrentDirectory) {
-  strcpy(cb->TraceDirectory, "/nonexistent-wz-dir/");
+  strcpy(cb->File.TraceDirectory, "/nonexistent-wz-dir/");
   char previous[4096];
   ASSERT_NE(getcwd(previous, sizeof previous), nullptr);
   ASSERT_EQ(chdir(dir.Path().c_str()), 0);

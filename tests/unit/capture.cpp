@@ -18,23 +18,23 @@ CaptureBlock::CaptureBlock(int32_t bufferSize) {
   cb_->Settings.WriteBufferSize = bufferSize;
   cb_->WriteBufferSize = bufferSize;
   cb_->WriteBufferFill = 0;
-  cb_->RotationPermitted = 0;
-  cb_->CurrentFileSize = 0;
+  cb_->File.RotationPermitted = 0;
+  cb_->File.CurrentFileSize = 0;
   cb_->ExitType = EXIT_TYPE_API;
-  cb_->ProcessId = kProcessId;
-  cb_->ThreadId = kThreadId;
-  cb_->RecordedProcessId = (int32_t)getpid();
-  cb_->RecordedThreadId = (uint32_t)pthread_self();
-  snprintf(cb_->TraceDirectory, sizeof cb_->TraceDirectory, "%s/", dir_.Path().c_str());
-  snprintf(cb_->TraceFilePath, sizeof cb_->TraceFilePath, "/dev/null");
-  strcpy(cb_->ProcessName, "captest");
-  cb_->FileDescriptor = open("/dev/null", O_WRONLY);
+  cb_->Identity.ProcessId = kProcessId;
+  cb_->Identity.ThreadId = kThreadId;
+  cb_->File.RecordedProcessId = (int32_t)getpid();
+  cb_->File.RecordedThreadId = (uint32_t)pthread_self();
+  snprintf(cb_->File.TraceDirectory, sizeof cb_->File.TraceDirectory, "%s/", dir_.Path().c_str());
+  snprintf(cb_->File.TraceFilePath, sizeof cb_->File.TraceFilePath, "/dev/null");
+  strcpy(cb_->Identity.ProcessName, "captest");
+  cb_->File.FileDescriptor = open("/dev/null", O_WRONLY);
   SetValueForCodeRangeCheck(cb_);
 }
 
 CaptureBlock::~CaptureBlock() {
-  if (cb_->FileDescriptor > 0) {
-    close(cb_->FileDescriptor);
+  if (cb_->File.FileDescriptor > 0) {
+    close(cb_->File.FileDescriptor);
   }
   free(cb_);
 }
@@ -73,9 +73,9 @@ const char kCaptureFile[] = "wz_capture.t";
 
 FileCapture::FileCapture() {
   std::string path = dir.File(kCaptureFile);
-  close(cb->FileDescriptor);
-  cb->FileDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600);
-  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", path.c_str());
+  close(cb->File.FileDescriptor);
+  cb->File.FileDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND, 0600);
+  snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s", path.c_str());
 }
 
 std::string FileCapture::Text() const {

@@ -18,10 +18,10 @@ struct CountingTest : ::testing::Test {
   void SetUp() override {
     cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
     SetDefaultParameterSettings(&cb->Settings);
-    strcpy(cb->ProcessName, "payroll");
-    snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s/wz_QM1_payroll_1_2_001.t",
+    strcpy(cb->Identity.ProcessName, "payroll");
+    snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s/wz_QM1_payroll_1_2_001.t",
              dir.Path().c_str());
-    strcpy(cb->RecordTimeText, "[2026/11/21 12:00:00.000001]");
+    strcpy(cb->Clock.RecordTimeText, "[2026/11/21 12:00:00.000001]");
   }
   void TearDown() override { free(cb); }
   void Count(int32_t function, ZKLONG cc, ZKLONG rs, int64_t elapsed = -1) {
@@ -78,8 +78,8 @@ TEST(Counting, StatisticsOrder) {
 }
 
 TEST_F(CountingTest, ElapsedTimeUsesTheSlotOfTheFunction) {
-  cb->ApiBeforeTime = {100, 900000};
-  cb->XaBeforeTime = {200, 0};
+  cb->Clock.ApiBeforeTime = {100, 900000};
+  cb->Clock.XaBeforeTime = {200, 0};
   struct timeval now = {101, 100000};
   char text[64];
   int64_t elapsed = 0;
@@ -115,13 +115,13 @@ TEST_F(CountingTest, ClassesAreCountedInRecordsAndTotals) {
   EXPECT_EQ(first.WarningCount, 1u);
   EXPECT_EQ(first.ErrorCount, 1u);
   EXPECT_EQ(first.TimedCalls, 0); // no time given
-  EXPECT_EQ(cb->Totals[COUNTER_CUMULATIVE].CallCount, 4u);
-  EXPECT_EQ(cb->Totals[COUNTER_SPLIT].ErrorCount, 1u);
+  EXPECT_EQ(cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount, 4u);
+  EXPECT_EQ(cb->Counters.Totals[COUNTER_SPLIT].ErrorCount, 1u);
 }
 
 TEST_F(CountingTest, ErrorAlertLineBesideTheTraceFile) {
-  strcpy(cb->CurrentQueueName, "APP.IN");
-  cb->Totals[COUNTER_CUMULATIVE].CallCount = 41;
+  strcpy(cb->Call.CurrentQueueName, "APP.IN");
+  cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount = 41;
   Count(ZKXF_OPEN, 2, 2085);
   EXPECT_EQ(Alerts(), "|--- Seq # : 42 [2026/11/21 12:00:00.000001]  ZKOPEN   CompCode = 2  "
                       "Reason = 2085 (ZKRC_UNKNOWN_OBJECT_NAME)  Object : APP.IN\n");
@@ -150,7 +150,7 @@ TEST_F(CountingTest, WarningsNeedTheirSwitch) {
 TEST_F(CountingTest, StarObjectSuppressesCallsWithoutObjectToo) {
   Suppress(-1, -1, -1, "*", "*");
   Count(ZKXF_CMIT, 2, 2101);
-  strcpy(cb->CurrentQueueName, "Q1");
+  strcpy(cb->Call.CurrentQueueName, "Q1");
   Count(ZKXF_PUT, 2, 2053);
   EXPECT_EQ(Alerts(), "");
 }
@@ -159,21 +159,21 @@ TEST_F(CountingTest, NamedObjectDoesNotSuppressCallsWithoutObject) {
   Suppress(-1, -1, -1, "Q1", "payroll");
   Count(ZKXF_CMIT, 2, 2101);
   EXPECT_NE(Alerts().find("ZKCMIT"), std::string::npos);
-  strcpy(cb->CurrentQueueName, "Q1");
+  strcpy(cb->Call.CurrentQueueName, "Q1");
   Count(ZKXF_PUT, 2, 2053);
   EXPECT_EQ(Alerts().find("ZKPUT "), std::string::npos);
 }
 
 TEST_F(CountingTest, SuppressByCodesFunctionPrefixAndProcess) {
   Suppress(2, 2053, ZKXF_PUT, "APP.*", "PAY*");
-  strcpy(cb->CurrentQueueName, "APP.OUT");
+  strcpy(cb->Call.CurrentQueueName, "APP.OUT");
   Count(ZKXF_PUT, 2, 2053);  // suppressed
   Count(ZKXF_PUT, 2, 2030);  // other reason
   Count(ZKXF_PUT1, 2, 2053); // other function
-  strcpy(cb->CurrentQueueName, "XAPP.OUT");
+  strcpy(cb->Call.CurrentQueueName, "XAPP.OUT");
   Count(ZKXF_PUT, 2, 2053); // other object
-  strcpy(cb->ProcessName, "other");
-  strcpy(cb->CurrentQueueName, "APP.OUT");
+  strcpy(cb->Identity.ProcessName, "other");
+  strcpy(cb->Call.CurrentQueueName, "APP.OUT");
   Count(ZKXF_PUT, 2, 2053); // other process
   std::string text = Alerts();
   int lines = 0;
@@ -190,10 +190,11 @@ TEST_F(CountingTest, SuppressByCodesFunctionPrefixAndProcess) {
 }
 
 TEST_F(CountingTest, AlertFileNameDropsTheOpenExtension) {
-  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s/wz_QM1_p_1_2_007.txt",
+  snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s/wz_QM1_p_1_2_007.txt",
            dir.Path().c_str());
   Count(ZKXF_OPEN, 2, 2085);
   EXPECT_NE(dir.Read("alert1_p_1_2_007.txt.txt").find("ZKOPEN"), std::string::npos);
-  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s/no_trace_file_yet", dir.Path().c_str());
+  snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s/no_trace_file_yet",
+           dir.Path().c_str());
   Count(ZKXF_OPEN, 2, 2085); // no "/wz_" in the path: the line is dropped
 }

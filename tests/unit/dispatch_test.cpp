@@ -19,13 +19,13 @@ struct DispatchTest : ::testing::Test {
     cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
     SetDefaultParameterSettings(&cb->Settings);
     cb->Settings.CheckUpdateRequestInterval = 0;
-    cb->HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-    cb->HandleCapacity = HANDLE_LIST_STEP;
+    cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
+    cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
     cb->ExecStatus = 1;
     memset(&axp, 0, sizeof axp);
   }
   void TearDown() override {
-    free(cb->HandleList);
+    free(cb->Handles.HandleList);
     free(cb);
   }
   void TargetQueue(const char *name, uint8_t p = 1, uint8_t g = 1, uint8_t i = 1, uint8_t s = 1) {
@@ -34,7 +34,7 @@ struct DispatchTest : ::testing::Test {
     e.P = p, e.G = g, e.I = i, e.S = s;
   }
   const char *SelectedBy(const char *queue) {
-    strcpy(cb->CurrentQueueName, queue);
+    strcpy(cb->Call.CurrentQueueName, queue);
     const TargetQueueEntry *e = SearchTargetQueueParmEntry(cb);
     return e != nullptr ? e->QueueName : "(none)";
   }
@@ -49,8 +49,8 @@ struct DispatchTest : ::testing::Test {
     char name48[48];
     SetFixedField(name48, 48, name);
     Call(ZKXF_OPEN, ZKXR_BEFORE, nullptr, name48);
-    queueHandleListSetHandleToLastEntry(cb, handle, cb->HandleList[cb->HandleCount - 1].QueueName,
-                                        nullptr);
+    queueHandleListSetHandleToLastEntry(
+        cb, handle, cb->Handles.HandleList[cb->Handles.HandleCount - 1].QueueName, nullptr);
   }
 };
 
@@ -81,7 +81,7 @@ TEST_F(DispatchTest, ExactNameWinsAtOnce) {
 TEST_F(DispatchTest, LaterStarOfEqualLengthWinsAndStarInsideIsPlain) {
   TargetQueue("*", 1, 0, 0, 0);
   TargetQueue("*", 0, 1, 0, 0);
-  EXPECT_EQ(SearchTargetQueueParmEntry((strcpy(cb->CurrentQueueName, "Q"), cb)),
+  EXPECT_EQ(SearchTargetQueueParmEntry((strcpy(cb->Call.CurrentQueueName, "Q"), cb)),
             &cb->Settings.TargetQueue[1]);
   cb->Settings.TargetQueueCount = 0;
   TargetQueue("A*C");
@@ -98,49 +98,49 @@ TEST_F(DispatchTest, QueueNamesAreCaseSensitive) {
 TEST_F(DispatchTest, OpenAddsEntryWithTheEntryFlags) {
   TargetQueue("APP.*", 1, 0, 1, 0);
   Open("APP.IN", 100);
-  EXPECT_EQ(cb->QueueSelected, 1);
-  const QueueHandleEntry &e = cb->HandleList[0];
+  EXPECT_EQ(cb->Call.QueueSelected, 1);
+  const QueueHandleEntry &e = cb->Handles.HandleList[0];
   EXPECT_EQ(e.Hobj, 100);
   EXPECT_EQ(e.OpenFlag + e.CloseFlag + e.PutFlag + e.GetFlag + e.InqFlag + e.SetFlag, 4);
   EXPECT_EQ(e.GetFlag, 0);
   Open("OTHER", 101);
-  EXPECT_EQ(cb->QueueSelected, 0);
+  EXPECT_EQ(cb->Call.QueueSelected, 0);
   ZKHOBJ h = 100;
   Call(ZKXF_PUT, ZKXR_BEFORE, &h);
-  EXPECT_EQ(cb->QueueSelected, 1);
-  EXPECT_STREQ(cb->CurrentQueueName, "APP.IN");
+  EXPECT_EQ(cb->Call.QueueSelected, 1);
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "APP.IN");
   Call(ZKXF_GET, ZKXR_BEFORE, &h);
-  EXPECT_EQ(cb->QueueSelected, 0);
+  EXPECT_EQ(cb->Call.QueueSelected, 0);
 }
 
 TEST_F(DispatchTest, CloseOfUnknownHandleIsReportedAgainstUnknown) {
   Open("Q1", 5);
   ZKHOBJ h = 77;
   Call(ZKXF_CLOSE, ZKXR_BEFORE, &h);
-  EXPECT_STREQ(cb->CurrentQueueName, "(unknown)");
-  EXPECT_EQ(cb->QueueSelected, 1); // no TargetQueue list: everything is selected
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "(unknown)");
+  EXPECT_EQ(cb->Call.QueueSelected, 1); // no TargetQueue list: everything is selected
   TargetQueue("Q1");
   Call(ZKXF_CLOSE, ZKXR_BEFORE, &h);
-  EXPECT_EQ(cb->QueueSelected, 0);
+  EXPECT_EQ(cb->Call.QueueSelected, 0);
 }
 
 TEST_F(DispatchTest, CloseRemovesTheEntryBeforeTheCall) {
   Open("Q1", 5);
   ZKHOBJ h = 5;
   Call(ZKXF_CLOSE, ZKXR_BEFORE, &h);
-  EXPECT_STREQ(cb->CurrentQueueName, "Q1");
-  EXPECT_EQ(cb->HandleCount, 0);
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "Q1");
+  EXPECT_EQ(cb->Handles.HandleCount, 0);
 }
 
 TEST_F(DispatchTest, DataConversionKeepsTheNames) {
   Open("Q1", 5);
   ZKHOBJ h = 5;
   Call(ZKXF_GET, ZKXR_BEFORE, &h);
-  EXPECT_STREQ(cb->CurrentQueueName, "Q1");
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "Q1");
   cb->Settings.CheckUpdateRequestInterval = 1;
   cb->LastUpdateCheck = 0;
   EXPECT_EQ(Call(ZKXF_DATA_CONV_ON_GET, ZKXR_BEFORE, &h), RC_OK);
-  EXPECT_STREQ(cb->CurrentQueueName, "Q1");
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "Q1");
   EXPECT_EQ(cb->LastUpdateCheck, 0); // no update check on the data-conversion point
 }
 
@@ -173,7 +173,7 @@ TEST_F(DispatchTest, HugeUpdateIntervalNeverComesDue) {
 
 TEST_F(DispatchTest, ExecStatusAndFatalErrorDecide) {
   EXPECT_EQ(Call(ZKXF_CMIT, ZKXR_BEFORE), RC_OK);
-  EXPECT_EQ(cb->CurrentFunction, ZKXF_CMIT);
+  EXPECT_EQ(cb->Call.CurrentFunction, ZKXF_CMIT);
   cb->ExecStatus = 2; // only exactly 1 counts as on
   EXPECT_EQ(Call(ZKXF_CMIT, ZKXR_BEFORE), RC_NOP);
   EXPECT_EQ(Call(ZKXF_CMIT, ZKXR_AFTER), RC_NOP);
@@ -185,14 +185,14 @@ TEST_F(DispatchTest, ExecStatusAndFatalErrorDecide) {
 TEST_F(DispatchTest, HandleListIsKeptWhileTracingIsOff) {
   cb->ExecStatus = 0;
   Open("Q1", 5);
-  EXPECT_EQ(cb->HandleCount, 1);
+  EXPECT_EQ(cb->Handles.HandleCount, 1);
   ZKHOBJ h = 5;
   EXPECT_EQ(Call(ZKXF_CLOSE, ZKXR_BEFORE, &h), RC_NOP);
-  EXPECT_EQ(cb->HandleCount, 0);
+  EXPECT_EQ(cb->Handles.HandleCount, 0);
 }
 
 TEST_F(DispatchTest, ProcessFilterTargetWinsOverExclude) {
-  strcpy(cb->ProcessName, "APPPUT0");
+  strcpy(cb->Identity.ProcessName, "APPPUT0");
   strcpy(cb->Settings.TargetProcess[0], "appput*");
   cb->Settings.TargetProcessCount = 1;
   strcpy(cb->Settings.ExcludeProcess[0], "APPPUT0");
@@ -203,7 +203,7 @@ TEST_F(DispatchTest, ProcessFilterTargetWinsOverExclude) {
 }
 
 TEST_F(DispatchTest, ProcessFilterExcludeAndEmptyFileRule) {
-  strcpy(cb->ProcessName, "myapp_nd");
+  strcpy(cb->Identity.ProcessName, "myapp_nd");
   strcpy(cb->Settings.ExcludeProcess[0], "myapp");
   cb->Settings.ExcludeProcessCount = 1;
   cb->Settings.CreateEmptyFile = 1;

@@ -188,12 +188,12 @@ TEST_F(FieldLine, PrimitivesReturnWhatTheWriteReturned) {
 }
 
 TEST_F(FieldLine, UnknownAttributeBannerMessageAndFlag) {
-  EXPECT_EQ(cb->UnknownAttributeSeen, 0);
+  EXPECT_EQ(cb->File.UnknownAttributeSeen, 0);
   ShowUnknownAttribute(cb, "ZKPMO - Options", 0x00400000u);
   EXPECT_EQ(capture.Take(), "|**********************************\n"
                             "|* Unknown : ZKPMO - Options 0x00400000\n"
                             "|**********************************\n");
-  EXPECT_EQ(cb->UnknownAttributeSeen, 1);
+  EXPECT_EQ(cb->File.UnknownAttributeSeen, 1);
   std::string alerts = capture.Alerts();
   EXPECT_NE(alerts.find("Msg3101: Unknown API attribute : ZKPMO - Options value 0x00400000\n"),
             std::string::npos)
@@ -207,7 +207,7 @@ TEST_F(FieldLine, UnknownStructureVersionBannerMessageAndFlag) {
   EXPECT_EQ(capture.Take(), "|**********************************\n"
                             "|* Unknown : ZKMD version 3\n"
                             "|**********************************\n");
-  EXPECT_EQ(cb->UnknownAttributeSeen, 1);
+  EXPECT_EQ(cb->File.UnknownAttributeSeen, 1);
   EXPECT_NE(capture.Alerts().find("Msg3100: Unknown API structure : ZKMD version 3\n"),
             std::string::npos)
       << capture.Alerts();

@@ -18,7 +18,7 @@ TEST(FieldUnknown, UnknownOptionBitEndsTheFileWithTheUnknownBlock) {
   ShowUnknownAttribute(cb, "ZKPMO - Options", 0x40000000u);
   ShowFieldValueZklong(cb, "Context", 0, 1);
   CloseAndCompressFile(cb, nullptr);
-  EXPECT_EQ(cb->UnknownAttributeSeen, 0);
+  EXPECT_EQ(cb->File.UnknownAttributeSeen, 0);
 
   std::string content = ReadWholeFile(dir.File(TEST_STEM "001.txt"));
   const std::string banner = "|> Options                  : SYNCPOINT\n"

@@ -12,11 +12,11 @@ struct HandleListTest : ::testing::Test {
   ExitControlBlock *cb = nullptr;
   void SetUp() override {
     cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    cb->HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-    cb->HandleCapacity = HANDLE_LIST_STEP;
+    cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
+    cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
   }
   void TearDown() override {
-    free(cb->HandleList);
+    free(cb->Handles.HandleList);
     free(cb);
   }
   void Open(int32_t handle, const char *name, const char *resolved = nullptr) {
@@ -31,34 +31,34 @@ TEST_F(HandleListTest, HandlesOpenedOutOfOrderEndUpSorted) {
   Open(30, "Q30");
   Open(10, "Q10");
   Open(20, "Q20");
-  ASSERT_EQ(cb->HandleCount, 3);
-  EXPECT_EQ(cb->HandleList[0].Hobj, 10);
-  EXPECT_EQ(cb->HandleList[1].Hobj, 20);
-  EXPECT_EQ(cb->HandleList[2].Hobj, 30);
-  EXPECT_STREQ(cb->HandleList[0].QueueName, "Q10");
-  EXPECT_STREQ(cb->HandleList[2].QueueName, "Q30");
+  ASSERT_EQ(cb->Handles.HandleCount, 3);
+  EXPECT_EQ(cb->Handles.HandleList[0].Hobj, 10);
+  EXPECT_EQ(cb->Handles.HandleList[1].Hobj, 20);
+  EXPECT_EQ(cb->Handles.HandleList[2].Hobj, 30);
+  EXPECT_STREQ(cb->Handles.HandleList[0].QueueName, "Q10");
+  EXPECT_STREQ(cb->Handles.HandleList[2].QueueName, "Q30");
 }
 
 TEST_F(HandleListTest, HundredthAddGrowsToTwoHundredFirst) {
   for (int32_t i = 1; i <= 99; i++) {
     Open(i, "Q");
   }
-  EXPECT_EQ(cb->HandleCapacity, 100);
+  EXPECT_EQ(cb->Handles.HandleCapacity, 100);
   queueHandleListAddEntry(cb, "LAST", 1, 1, 1, 1, 1, 1);
-  EXPECT_EQ(cb->HandleCapacity, 200);
-  EXPECT_EQ(cb->HandleCount, 100);
-  EXPECT_STREQ(cb->HandleList[99].QueueName, "LAST");
-  EXPECT_EQ(cb->HandleList[98].Hobj, 99); // the old entries were kept
+  EXPECT_EQ(cb->Handles.HandleCapacity, 200);
+  EXPECT_EQ(cb->Handles.HandleCount, 100);
+  EXPECT_STREQ(cb->Handles.HandleList[99].QueueName, "LAST");
+  EXPECT_EQ(cb->Handles.HandleList[98].Hobj, 99); // the old entries were kept
 }
 
 TEST_F(HandleListTest, NullHandlesAndEmptyList) {
   EXPECT_EQ(queueHandleListSearchEntryByHandle(cb, 5, 1), -1);
-  EXPECT_STREQ(cb->CurrentQueueName, "(unknown)");
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "(unknown)");
   Open(7, "Q7");
   EXPECT_EQ(queueHandleListSearchEntryByHandle(cb, 0, 0), -1);
-  EXPECT_STREQ(cb->CurrentQueueName, "(null)");
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "(null)");
   EXPECT_EQ(queueHandleListSearchEntryByHandle(cb, -1, 0), -1);
-  EXPECT_STREQ(cb->CurrentQueueName, "(null)");
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "(null)");
 }
 
 TEST_F(HandleListTest, SearchFindsByBisectionAndGivesInsertionPlace) {
@@ -68,7 +68,7 @@ TEST_F(HandleListTest, SearchFindsByBisectionAndGivesInsertionPlace) {
   for (int32_t i = 1; i <= 50; i++) {
     int32_t index = queueHandleListSearchEntryByHandle(cb, i * 10, 1);
     ASSERT_EQ(index, i - 1);
-    EXPECT_EQ(std::string(cb->CurrentQueueName), "Q" + std::to_string(i * 10));
+    EXPECT_EQ(std::string(cb->Call.CurrentQueueName), "Q" + std::to_string(i * 10));
   }
   EXPECT_EQ(queueHandleListSearchEntryByHandle(cb, 255, 1), -1);
   EXPECT_EQ(queueHandleListSearchEntryByHandle(cb, 255, 0), 25);
@@ -76,14 +76,14 @@ TEST_F(HandleListTest, SearchFindsByBisectionAndGivesInsertionPlace) {
 
 TEST_F(HandleListTest, ResolvedNameIsKeptWhenItDiffers) {
   Open(5, "APP.ALIAS", "APP.TARGET");
-  EXPECT_STREQ(cb->CurrentQueueName, "APP.ALIAS");
-  EXPECT_STREQ(cb->ResolvedQueueName, "APP.TARGET");
+  EXPECT_STREQ(cb->Call.CurrentQueueName, "APP.ALIAS");
+  EXPECT_STREQ(cb->Call.ResolvedQueueName, "APP.TARGET");
   Open(6, "APP.LOCAL", "APP.LOCAL");
-  EXPECT_STREQ(cb->ResolvedQueueName, "");
+  EXPECT_STREQ(cb->Call.ResolvedQueueName, "");
   queueHandleListSearchEntryByHandle(cb, 5, 1);
-  EXPECT_STREQ(cb->ResolvedQueueName, "APP.TARGET");
+  EXPECT_STREQ(cb->Call.ResolvedQueueName, "APP.TARGET");
   queueHandleListSearchEntryByHandle(cb, 6, 1);
-  EXPECT_STREQ(cb->ResolvedQueueName, "");
+  EXPECT_STREQ(cb->Call.ResolvedQueueName, "");
 }
 
 TEST_F(HandleListTest, AliasLookUpByResolvedName) {
@@ -100,15 +100,15 @@ TEST_F(HandleListTest, DeleteEntryAndLastEntry) {
   Open(20, "B");
   Open(30, "C");
   queueHandleListDeleteEntry(cb, 1);
-  ASSERT_EQ(cb->HandleCount, 2);
-  EXPECT_EQ(cb->HandleList[1].Hobj, 30);
-  EXPECT_EQ(cb->HandleList[2].Hobj, 0); // the freed slot is zeroed
+  ASSERT_EQ(cb->Handles.HandleCount, 2);
+  EXPECT_EQ(cb->Handles.HandleList[1].Hobj, 30);
+  EXPECT_EQ(cb->Handles.HandleList[2].Hobj, 0); // the freed slot is zeroed
   queueHandleListAddEntry(cb, "D", 1, 1, 1, 1, 1, 1);
   queueHandleListDeleteLastEntry(cb);
-  EXPECT_EQ(cb->HandleCount, 2);
+  EXPECT_EQ(cb->Handles.HandleCount, 2);
   queueHandleListDeleteLastEntry(cb);
   queueHandleListDeleteLastEntry(cb);
-  EXPECT_EQ(cb->HandleCount, 0);
+  EXPECT_EQ(cb->Handles.HandleCount, 0);
 }
 
 TEST_F(HandleListTest, NamesAreCutAtFortyEightAndTrimmed) {
@@ -116,7 +116,7 @@ TEST_F(HandleListTest, NamesAreCutAtFortyEightAndTrimmed) {
   memset(name, 'N', sizeof name);
   name[59] = '\0';
   queueHandleListAddEntry(cb, name, 1, 1, 1, 1, 1, 1);
-  EXPECT_EQ(strlen(cb->HandleList[0].QueueName), 48u);
+  EXPECT_EQ(strlen(cb->Handles.HandleList[0].QueueName), 48u);
   queueHandleListAddEntry(cb, "  Q1   ", 1, 1, 1, 1, 1, 1);
-  EXPECT_STREQ(cb->HandleList[1].QueueName, "Q1");
+  EXPECT_STREQ(cb->Handles.HandleList[1].QueueName, "Q1");
 }

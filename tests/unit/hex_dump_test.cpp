@@ -133,7 +133,7 @@ TEST_F(HexDumpTest, WithoutCharacterImageLinesEndAfterTheHexPart) {
 }
 
 TEST_F(HexDumpTest, TitleShowsTheAddressUnlessSwitchedOff) {
-  cb->NoAddress = 0;
+  cb->File.NoAddress = 0;
   static const char data[] = "abc";
   PutHexData(cb, "Buffer", data, 3, HEX_MODE_PLAIN);
   char expected[200];
@@ -145,7 +145,7 @@ TEST_F(HexDumpTest, TitleShowsTheAddressUnlessSwitchedOff) {
 }
 
 TEST_F(HexDumpTest, AddressIsEightUpperCaseDigits) {
-  cb->NoAddress = 0;
+  cb->File.NoAddress = 0;
   PutHexData(cb, "At", (const void *)(uintptr_t)0x00ABCDEF, 0, HEX_MODE_PLAIN);
   EXPECT_EQ(Take(), "At:(0=x0 bytes, Address 0x00ABCDEF)\n");
 }

@@ -106,8 +106,8 @@ TEST(NumberFormat, RecordTimeStampFollowsSecondsAcrossTheCache) {
   for (int i = 0; i < 3; i++) {
     struct timeval now;
     int32_t n = SetRecordTimeAndShow(cb, &now);
-    EXPECT_EQ(std::string(cb->RecordTimeText, (size_t)n), StampOf(now));
-    EXPECT_EQ(strlen(cb->RecordTimeText), (size_t)n);
+    EXPECT_EQ(std::string(cb->Clock.RecordTimeText, (size_t)n), StampOf(now));
+    EXPECT_EQ(strlen(cb->Clock.RecordTimeText), (size_t)n);
     if (i == 1) {
       struct timespec pause = {1, 100000000}; // into the next second
       nanosleep(&pause, nullptr);

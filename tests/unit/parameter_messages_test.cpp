@@ -26,10 +26,10 @@ protected:
   void SetUp() override {
     SetFixedField(exitData_, sizeof exitData_, dir_.Path());
     cb_ = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock));
-    snprintf(cb_->TraceDirectory, sizeof cb_->TraceDirectory, "%s/", dir_.Path().c_str());
-    strcpy(cb_->ProcessName, "payroll");
-    cb_->ProcessId = 77;
-    cb_->ThreadId = 88;
+    snprintf(cb_->File.TraceDirectory, sizeof cb_->File.TraceDirectory, "%s/", dir_.Path().c_str());
+    strcpy(cb_->Identity.ProcessName, "payroll");
+    cb_->Identity.ProcessId = 77;
+    cb_->Identity.ThreadId = 88;
   }
   void TearDown() override { free(cb_); }
 

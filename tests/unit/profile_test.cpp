@@ -29,25 +29,27 @@ namespace {
 struct ProfileCapture : FileCapture {
   ProfileCapture() {
     cb->Settings.ShowZkVersion = 0;
-    cb->ApiLevel = API_LEVEL_700;
+    cb->Identity.ApiLevel = API_LEVEL_700;
     cb->ExecStatus = 1;
-    snprintf(cb->ProductTitle, sizeof cb->ProductTitle, "Trace title");
-    snprintf(cb->ProgramVersion, sizeof cb->ProgramVersion, "7.52");
-    snprintf(cb->BuildVariant, sizeof cb->BuildVariant, "Common to single thread and multi thread");
-    snprintf(cb->MakerContact, sizeof cb->MakerContact, "support@example.org");
-    snprintf(cb->ExitInfoName, sizeof cb->ExitInfoName, "wzexit");
-    snprintf(cb->EntryName, sizeof cb->EntryName, "wzEntry");
-    snprintf(cb->ApiCallerTypeText, sizeof cb->ApiCallerTypeText, "external");
-    snprintf(cb->QMgrName, sizeof cb->QMgrName, "QM1");
-    snprintf(cb->EnvironmentText, sizeof cb->EnvironmentText, "other");
-    snprintf(cb->UserId, sizeof cb->UserId, "alice");
-    snprintf(cb->ConnectionName, sizeof cb->ConnectionName, "10.0.0.1(1414)");
-    snprintf(cb->ApplName, sizeof cb->ApplName, "/opt/app/bin/orders");
-    snprintf(cb->ApplTypeText, sizeof cb->ApplTypeText, "unix");
-    snprintf(cb->ProcessName, sizeof cb->ProcessName, "orders");
-    snprintf(cb->ProcessDescription, sizeof cb->ProcessDescription, "(user program)");
-    cb->ZkaxcProcessId = 4242;
-    cb->ZkaxcThreadId = 7;
+    snprintf(cb->Identity.ProductTitle, sizeof cb->Identity.ProductTitle, "Trace title");
+    snprintf(cb->Identity.ProgramVersion, sizeof cb->Identity.ProgramVersion, "7.52");
+    snprintf(cb->Identity.BuildVariant, sizeof cb->Identity.BuildVariant,
+             "Common to single thread and multi thread");
+    snprintf(cb->Identity.MakerContact, sizeof cb->Identity.MakerContact, "support@example.org");
+    snprintf(cb->Identity.ExitInfoName, sizeof cb->Identity.ExitInfoName, "wzexit");
+    snprintf(cb->Identity.EntryName, sizeof cb->Identity.EntryName, "wzEntry");
+    snprintf(cb->Identity.ApiCallerTypeText, sizeof cb->Identity.ApiCallerTypeText, "external");
+    snprintf(cb->Identity.QMgrName, sizeof cb->Identity.QMgrName, "QM1");
+    snprintf(cb->Identity.EnvironmentText, sizeof cb->Identity.EnvironmentText, "other");
+    snprintf(cb->Identity.UserId, sizeof cb->Identity.UserId, "alice");
+    snprintf(cb->Identity.ConnectionName, sizeof cb->Identity.ConnectionName, "10.0.0.1(1414)");
+    snprintf(cb->Identity.ApplName, sizeof cb->Identity.ApplName, "/opt/app/bin/orders");
+    snprintf(cb->Identity.ApplTypeText, sizeof cb->Identity.ApplTypeText, "unix");
+    snprintf(cb->Identity.ProcessName, sizeof cb->Identity.ProcessName, "orders");
+    snprintf(cb->Identity.ProcessDescription, sizeof cb->Identity.ProcessDescription,
+             "(user program)");
+    cb->Identity.ZkaxcProcessId = 4242;
+    cb->Identity.ZkaxcThreadId = 7;
   }
 };
 
@@ -138,14 +140,14 @@ TEST(ProfileLines, ReopenedFileGetsOnlyTheBanner) {
   c.cb->Settings.ShowProcessEnvValue = 1;
   PutProcessProfileRecords(c.cb, 5000);
   EXPECT_EQ(c.Text(), "-\n" DASHES "|Reopen this trace file\n" DASHES);
-  EXPECT_EQ(c.cb->FileReopened, 1);
-  EXPECT_EQ(c.cb->ZkLevelSearched, 0) << "the platform level is not asked for";
+  EXPECT_EQ(c.cb->File.FileReopened, 1);
+  EXPECT_EQ(c.cb->Identity.ZkLevelSearched, 0) << "the platform level is not asked for";
 }
 
 TEST(ProfileLines, NewFileDoesNotSetTheReopenedFlag) {
   ProfileCapture c;
   PutProcessProfileRecords(c.cb, 0);
-  EXPECT_EQ(c.cb->FileReopened, 0);
+  EXPECT_EQ(c.cb->File.FileReopened, 0);
   EXPECT_EQ(c.Text().rfind(DASHES "|Program information\n", 0), 0u);
 }
 
@@ -275,7 +277,7 @@ TEST(ProfileRecords, EveryLineInItsOrder) {
 
 TEST(ProfileRecords, ProcessLevelIs600WhenTheExitWorksAtIt) {
   ProfileCapture c;
-  c.cb->ApiLevel = API_LEVEL_600;
+  c.cb->Identity.ApiLevel = API_LEVEL_600;
   PutProcessProfileRecords(c.cb, 0);
   EXPECT_TRUE(HasLine(c.Text(), "|  Process level      : 600"));
   EXPECT_FALSE(HasLine(c.Text(), "|  Process level      : 700"));
@@ -428,7 +430,7 @@ TEST(ProfilePlatformLevel, MissingCommandLeavesTheVersionLinesEmpty) {
                           "|Operating environment\n"),
             std::string::npos)
       << c.Text();
-  EXPECT_EQ(c.cb->ZkLevelSearched, 1);
+  EXPECT_EQ(c.cb->Identity.ZkLevelSearched, 1);
   EXPECT_EQ(SetZkLevelInfo(c.cb), RC_NOP);
 }
 
@@ -437,10 +439,10 @@ TEST(ProfilePlatformLevel, FakeCommandFillsVersionLevelAndBuildType) {
   path.Install("dspzkver", kFakeLevelCommand);
   ProfileCapture c;
   EXPECT_EQ(SetZkLevelInfo(c.cb), RC_OK);
-  EXPECT_STREQ(c.cb->ZkVersion, "9.3.0.17");
-  EXPECT_STREQ(c.cb->ZkLevel, "p930-017-240101");
+  EXPECT_STREQ(c.cb->Identity.ZkVersion, "9.3.0.17");
+  EXPECT_STREQ(c.cb->Identity.ZkLevel, "p930-017-240101");
   // The command runs with the library search path cleared.
-  EXPECT_STREQ(c.cb->ZkBuildType, "IKAP - (Production) []");
+  EXPECT_STREQ(c.cb->Identity.ZkBuildType, "IKAP - (Production) []");
 }
 
 // The command must not read the application's standard input: it gets
@@ -463,7 +465,7 @@ TEST(ProfilePlatformLevel, CommandDoesNotReadTheApplicationsInput) {
   dup2(savedInput, 0);
   close(savedInput);
   EXPECT_EQ(rc, RC_OK);
-  EXPECT_STREQ(c.cb->ZkVersion, "[]");
+  EXPECT_STREQ(c.cb->Identity.ZkVersion, "[]");
   EXPECT_EQ(n, 18);
   EXPECT_STREQ(left, "application input\n");
 }
@@ -491,8 +493,8 @@ TEST(ProfilePlatformLevel, NoLevelLinesWhenShowZkVersionIsOff) {
   c.cb->Settings.ShowZkVersion = 0;
   PutProcessProfileRecords(c.cb, 0);
   EXPECT_EQ(c.Text().find("Tarnvelde"), std::string::npos);
-  EXPECT_EQ(c.cb->ZkLevelSearched, 0);
-  EXPECT_EQ(c.cb->ZkVersion[0], '\0');
+  EXPECT_EQ(c.cb->Identity.ZkLevelSearched, 0);
+  EXPECT_EQ(c.cb->Identity.ZkVersion[0], '\0');
 }
 
 TEST(ProfilePlatformLevel, ParsingSplitsAtTheFirstColonAndTrims) {
@@ -503,16 +505,16 @@ TEST(ProfilePlatformLevel, ParsingSplitsAtTheFirstColonAndTrims) {
                                          "BuildType:IKAP\n"
                                          "Level x: not a key\n"),
             RC_OK);
-  EXPECT_STREQ(c.cb->ZkVersion, "8.0.0.4");
-  EXPECT_STREQ(c.cb->ZkLevel, "p800-004:extra");
-  EXPECT_STREQ(c.cb->ZkBuildType, "IKAP");
+  EXPECT_STREQ(c.cb->Identity.ZkVersion, "8.0.0.4");
+  EXPECT_STREQ(c.cb->Identity.ZkLevel, "p800-004:extra");
+  EXPECT_STREQ(c.cb->Identity.ZkBuildType, "IKAP");
 }
 
 TEST(ProfilePlatformLevel, ParsingWithoutVersionFails) {
   ProfileCapture c;
   EXPECT_EQ(SetZkLevelToCommonArea(c.cb, "Level: p1\nBuildType: b"), RC_NOP);
-  EXPECT_STREQ(c.cb->ZkLevel, "p1");
-  EXPECT_STREQ(c.cb->ZkBuildType, "b") << "the last line needs no line feed";
+  EXPECT_STREQ(c.cb->Identity.ZkLevel, "p1");
+  EXPECT_STREQ(c.cb->Identity.ZkBuildType, "b") << "the last line needs no line feed";
   EXPECT_EQ(SetZkLevelToCommonArea(c.cb, ""), RC_NOP);
   EXPECT_EQ(SetZkLevelToCommonArea(c.cb, "version: 1\n"), RC_NOP) << "keys are case-sensitive";
 }
@@ -522,9 +524,9 @@ TEST(ProfilePlatformLevel, LongValuesAreCutToTheirFields) {
   std::string text = "Version: " + std::string(200, 'v') + "\nLevel: " + std::string(200, 'l') +
                      "\nBuildType: " + std::string(200, 'b') + "\n";
   EXPECT_EQ(SetZkLevelToCommonArea(c.cb, text.c_str()), RC_OK);
-  EXPECT_EQ(strlen(c.cb->ZkVersion), 74u);
-  EXPECT_EQ(strlen(c.cb->ZkLevel), 79u);
-  EXPECT_EQ(strlen(c.cb->ZkBuildType), 79u);
+  EXPECT_EQ(strlen(c.cb->Identity.ZkVersion), 74u);
+  EXPECT_EQ(strlen(c.cb->Identity.ZkLevel), 79u);
+  EXPECT_EQ(strlen(c.cb->Identity.ZkBuildType), 79u);
 }
 
 // ---- the environment -----------------------------------------------------------------

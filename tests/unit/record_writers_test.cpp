@@ -28,7 +28,7 @@ struct RecordWritersTest : TraceCaptureTest {
   void After(int32_t function, int32_t compCode = 0, int32_t reason = 0) {
     PutHeaderRecord(cb, function, ZKXR_AFTER, compCode, reason, &first, &second);
   }
-  uint32_t Count() const { return cb->Totals[COUNTER_CUMULATIVE].CallCount; }
+  uint32_t Count() const { return cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount; }
 };
 
 TEST_F(RecordWritersTest, ConnectionHeaderIsWrittenAtStartUp) {
@@ -41,17 +41,17 @@ TEST_F(RecordWritersTest, ConnectionHeaderIsWrittenAtStartUp) {
 TEST_F(RecordWritersTest, BeforeHeaderNumbersTheCallAndStoresItsStartTime) {
   struct timeval earlier;
   gettimeofday(&earlier, nullptr);
-  cb->ApiBeforeTime = {1, 0};
-  cb->XaBeforeTime = {2, 0};
+  cb->Clock.ApiBeforeTime = {1, 0};
+  cb->Clock.XaBeforeTime = {2, 0};
   Before(ZKXF_PUT);
   EXPECT_EQ(TakeMasked(),
             std::string("-\n|--- Seq # : 1") + kSeqDashes + "[TIME]\n<ZKPUT\n(BEFORE\n");
-  EXPECT_GE(cb->ApiBeforeTime.tv_sec, earlier.tv_sec);
-  EXPECT_EQ(cb->XaBeforeTime.tv_sec, 2);
-  EXPECT_EQ(cb->LastPrintedSequence, 1u);
+  EXPECT_GE(cb->Clock.ApiBeforeTime.tv_sec, earlier.tv_sec);
+  EXPECT_EQ(cb->Clock.XaBeforeTime.tv_sec, 2);
+  EXPECT_EQ(cb->Counters.LastPrintedSequence, 1u);
   EXPECT_EQ(Count(), 0u); // counted after the call
-  EXPECT_EQ(cb->RecordTimeText[0], '\0');
-  EXPECT_EQ(cb->RotationPermitted, 0);
+  EXPECT_EQ(cb->Clock.RecordTimeText[0], '\0');
+  EXPECT_EQ(cb->File.RotationPermitted, 0);
 }
 
 TEST_F(RecordWritersTest, AfterHeaderShowsCodesAndElapsedTimeAndCounts) {
@@ -65,13 +65,13 @@ TEST_F(RecordWritersTest, AfterHeaderShowsCodesAndElapsedTimeAndCounts) {
   EXPECT_EQ(first.OkCount, 1u);
   EXPECT_EQ(first.TimedCalls, 1);
   EXPECT_EQ(second.CallCount, 1u);
-  EXPECT_EQ(cb->Totals[COUNTER_SPLIT].CallCount, 1u);
-  EXPECT_EQ(cb->RecordTimeText[0], '\0');
+  EXPECT_EQ(cb->Counters.Totals[COUNTER_SPLIT].CallCount, 1u);
+  EXPECT_EQ(cb->Clock.RecordTimeText[0], '\0');
 }
 
 TEST_F(RecordWritersTest, FailedCallShowsTheReasonName) {
   Before(ZKXF_GET);
-  cb->ApiBeforeTime.tv_sec -= 3; // the call took three seconds
+  cb->Clock.ApiBeforeTime.tv_sec -= 3; // the call took three seconds
   Take();
   After(ZKXF_GET, 2, 2033);
   std::string text = Take();
@@ -111,7 +111,7 @@ TEST_F(RecordWritersTest, LeftOutCallsAreNotedBeforeTheNextNumber) {
   EXPECT_EQ(TakeMasked(), std::string("-\n|>-- Seq # : 5-7 suppressed by parameter file\n"
                                       "|--- Seq # : 8") +
                               kSeqDashes + "[TIME]\n<ZKPUT\n(BEFORE\n");
-  EXPECT_EQ(cb->LastPrintedSequence, 8u);
+  EXPECT_EQ(cb->Counters.LastPrintedSequence, 8u);
 }
 
 TEST_F(RecordWritersTest, OneLeftOutCallIsNotedByItsNumber) {
@@ -127,21 +127,21 @@ TEST_F(RecordWritersTest, OneLeftOutCallIsNotedByItsNumber) {
 }
 
 TEST_F(RecordWritersTest, DataConversionHeaderIsNotNumberedAndKeepsTheStartTime) {
-  cb->ApiBeforeTime = {5, 6};
+  cb->Clock.ApiBeforeTime = {5, 6};
   PutHeaderRecord(cb, ZKXF_DATA_CONV_ON_GET, ZKXR_BEFORE, 0, 0, &first, &second);
   EXPECT_EQ(TakeMasked(), "-\n[TIME]\n<DATA_CONV_ON_GET\n(BEFORE\n");
-  EXPECT_EQ(cb->ApiBeforeTime.tv_sec, 5);
-  EXPECT_EQ(cb->ApiBeforeTime.tv_usec, 6);
-  EXPECT_EQ(cb->LastPrintedSequence, 0u);
+  EXPECT_EQ(cb->Clock.ApiBeforeTime.tv_sec, 5);
+  EXPECT_EQ(cb->Clock.ApiBeforeTime.tv_usec, 6);
+  EXPECT_EQ(cb->Counters.LastPrintedSequence, 0u);
 }
 
 TEST_F(RecordWritersTest, XaBeforeStoresTheTransactionStartTime) {
-  cb->ApiBeforeTime = {1, 0};
+  cb->Clock.ApiBeforeTime = {1, 0};
   PutHeaderRecord(cb, ZKXF_XASTART, ZKXR_BEFORE, 0, 0, &first, &second);
   EXPECT_EQ(TakeMasked(),
             std::string("-\n|--- Seq # : 1") + kSeqDashes + "[TIME]\n<xa_start\n(BEFORE\n");
-  EXPECT_EQ(cb->ApiBeforeTime.tv_sec, 1);
-  EXPECT_GT(cb->XaBeforeTime.tv_sec, 1);
+  EXPECT_EQ(cb->Clock.ApiBeforeTime.tv_sec, 1);
+  EXPECT_GT(cb->Clock.XaBeforeTime.tv_sec, 1);
 }
 
 TEST_F(RecordWritersTest, XaReturnValueLines) {
@@ -188,8 +188,8 @@ TEST_F(RecordWritersTest, RecoverShowsTheNumberOfXidsOrItsError) {
 
 TEST_F(RecordWritersTest, XaElapsedTimeRunsFromTheTransactionStartTime) {
   PutHeaderRecord(cb, ZKXF_XAOPEN, ZKXR_BEFORE, 0, 0, &first, &second);
-  cb->XaBeforeTime.tv_sec -= 2;
-  cb->ApiBeforeTime = {0, 0};
+  cb->Clock.XaBeforeTime.tv_sec -= 2;
+  cb->Clock.ApiBeforeTime = {0, 0};
   Take();
   PutHeaderRecord(cb, ZKXF_XAOPEN, ZKXR_AFTER, 0, 0, &first, &second);
   EXPECT_TRUE(std::regex_search(Take(), std::regex(R"(time:    2\.\d{6} second\n$)")));
@@ -215,43 +215,43 @@ TEST_F(RecordWritersTest, CallIsCountedEvenWhenTheFileCannotBeWritten) {
   After(ZKXF_PUT);
   EXPECT_EQ(Take(), "");
   EXPECT_EQ(Count(), 1u);
-  EXPECT_EQ(cb->RecordTimeText[0], '\0');
+  EXPECT_EQ(cb->Clock.RecordTimeText[0], '\0');
 }
 
 // A file switch may happen only at the "-" of a before-call header.
 struct RotationTest : RecordWritersTest {
   // Makes the current file full, so that the next text permitted to switch
   // opens a new one.
-  void FillFile() { cb->Settings.MaxFileSize = cb->CurrentFileSize; }
+  void FillFile() { cb->Settings.MaxFileSize = cb->File.CurrentFileSize; }
 };
 
 TEST_F(RotationTest, AfterHeaderStaysInTheFileOfItsBeforeHeader) {
   Before(ZKXF_PUT);
   Take();
-  std::string file = cb->TraceFilePath;
-  int32_t sequence = cb->FileSequenceNumber;
+  std::string file = cb->File.TraceFilePath;
+  int32_t sequence = cb->File.FileSequenceNumber;
   FillFile();
   After(ZKXF_PUT);
-  EXPECT_EQ(cb->TraceFilePath, file);
-  EXPECT_EQ(cb->FileSequenceNumber, sequence);
+  EXPECT_EQ(cb->File.TraceFilePath, file);
+  EXPECT_EQ(cb->File.FileSequenceNumber, sequence);
   EXPECT_EQ(TakeMasked().substr(0, 16), "-\n[TIME]\n<ZKPUT\n");
-  EXPECT_EQ(cb->RotationPermitted, 0);
+  EXPECT_EQ(cb->File.RotationPermitted, 0);
 }
 
 TEST_F(RotationTest, DataConversionHeaderDoesNotSwitch) {
-  int32_t sequence = cb->FileSequenceNumber;
+  int32_t sequence = cb->File.FileSequenceNumber;
   FillFile();
   PutHeaderRecord(cb, ZKXF_DATA_CONV_ON_GET, ZKXR_BEFORE, 0, 0, &first, &second);
-  EXPECT_EQ(cb->FileSequenceNumber, sequence);
+  EXPECT_EQ(cb->File.FileSequenceNumber, sequence);
 }
 
 TEST_F(RotationTest, BeforeHeaderStartsTheNewFileWhole) {
-  cb->RotationPermitted = 0; // as left by the record before
-  int32_t sequence = cb->FileSequenceNumber;
+  cb->File.RotationPermitted = 0; // as left by the record before
+  int32_t sequence = cb->File.FileSequenceNumber;
   FillFile();
   Before(ZKXF_PUT);
-  EXPECT_EQ(cb->FileSequenceNumber, sequence + 1);
-  EXPECT_EQ(cb->RotationPermitted, 0);
+  EXPECT_EQ(cb->File.FileSequenceNumber, sequence + 1);
+  EXPECT_EQ(cb->File.RotationPermitted, 0);
   std::string text = Mask(Take());
   // The new file holds its own opening records and then the whole header.
   std::string header = std::string("-\n|--- Seq # : 1") + kSeqDashes + "[TIME]\n<ZKPUT\n(BEFORE\n";
@@ -265,7 +265,7 @@ TEST_F(RecordWritersTest, NoteCarriesTextAndTime) {
 }
 
 TEST_F(RecordWritersTest, TerminationHeaderEndsTheFile) {
-  std::string file = cb->TraceFilePath;
+  std::string file = cb->File.TraceFilePath;
   conn.Axp.ExitReason = ZKXR_CONNECTION;
   conn.Axp.Function = ZKXF_TERM;
   Terminate(&conn.Axp, &conn.Axc, &conn.CompCode, &conn.Reason);
@@ -292,8 +292,8 @@ struct SimpleRecordTest : RecordWritersTest {
   void Call(int32_t function, const char *object) {
     setTimeBeforeApiCall(cb);
     SetTimeBeforeApiCallXa(cb);
-    cb->CurrentFunction = function;
-    snprintf(cb->CurrentQueueName, sizeof cb->CurrentQueueName, "%s", object);
+    cb->Call.CurrentFunction = function;
+    snprintf(cb->Call.CurrentQueueName, sizeof cb->Call.CurrentQueueName, "%s", object);
   }
   static std::string Heading(bool correlId) {
     return std::string(
@@ -319,19 +319,19 @@ TEST_F(SimpleRecordTest, FirstRecordOfAFileHasTheHeading) {
   EXPECT_EQ(Count(), 2u);
   EXPECT_EQ(first.CallCount, 2u);
   EXPECT_EQ(second.CallCount, 2u);
-  EXPECT_EQ(cb->RecordTimeText[0], '\0');
+  EXPECT_EQ(cb->Clock.RecordTimeText[0], '\0');
 }
 
 TEST_F(SimpleRecordTest, HeadingComesAgainInTheNextFile) {
   Call(ZKXF_CMIT, "");
   PutSimpleRecord(cb, 0, 0, &first, &second, nullptr, -1);
   Take();
-  int32_t sequence = cb->FileSequenceNumber;
+  int32_t sequence = cb->File.FileSequenceNumber;
   // Past its size limit: the summary-only line checks with an empty text.
-  cb->Settings.MaxFileSize = cb->CurrentFileSize - 1;
-  cb->RotationPermitted = 0;
+  cb->Settings.MaxFileSize = cb->File.CurrentFileSize - 1;
+  cb->File.RotationPermitted = 0;
   PutSimpleRecord(cb, 0, 0, &first, &second, nullptr, -1);
-  EXPECT_EQ(cb->FileSequenceNumber, sequence + 1);
+  EXPECT_EQ(cb->File.FileSequenceNumber, sequence + 1);
   std::string text = Mask(Take());
   std::string tail = Heading(false) + "       2 [TIME]  ZKCMIT       0    0 SSSSS.UUUUUU  " +
                      std::string(48, ' ') + "\n";
@@ -340,7 +340,7 @@ TEST_F(SimpleRecordTest, HeadingComesAgainInTheNextFile) {
 }
 
 TEST_F(SimpleRecordTest, FailedGetHasNoMessageIdAndNamesItsReason) {
-  cb->NewFileOpened = 0;
+  cb->File.NewFileOpened = 0;
   Call(ZKXF_GET, "APP.REPLY");
   PutSimpleRecord(cb, ZKCC_FAILED, 2033, &first, &second, &md, 0);
   EXPECT_EQ(TakeMasked(), "       1 [TIME]  ZKGET        2 2033 SSSSS.UUUUUU  APP.REPLY" +
@@ -349,7 +349,7 @@ TEST_F(SimpleRecordTest, FailedGetHasNoMessageIdAndNamesItsReason) {
 }
 
 TEST_F(SimpleRecordTest, WarningKeepsTheMessageIdAndNamesItsReason) {
-  cb->NewFileOpened = 0;
+  cb->File.NewFileOpened = 0;
   Call(ZKXF_GET, "Q1");
   PutSimpleRecord(cb, 1, 2079, &first, &second, &md, 5);
   EXPECT_EQ(TakeMasked(), std::string("       1 [TIME]  ZKGET        1 2079 SSSSS.UUUUUU  Q1") +
@@ -371,7 +371,7 @@ TEST_F(SimpleRecordTest, CorrelationIdColumnShowsNullForZeros) {
 }
 
 TEST_F(SimpleRecordTest, NoLengthLeavesTheLengthColumnOut) {
-  cb->NewFileOpened = 0;
+  cb->File.NewFileOpened = 0;
   Call(ZKXF_PUT, "Q1");
   PutSimpleRecord(cb, 0, 0, &first, &second, &md, -1);
   EXPECT_EQ(TakeMasked(), std::string("       1 [TIME]  ZKPUT        0    0 SSSSS.UUUUUU  Q1") +
@@ -379,7 +379,7 @@ TEST_F(SimpleRecordTest, NoLengthLeavesTheLengthColumnOut) {
 }
 
 TEST_F(SimpleRecordTest, GroupMessagesShowTheirSequenceNumber) {
-  cb->NewFileOpened = 0;
+  cb->File.NewFileOpened = 0;
   Call(ZKXF_GET, "Q1");
   md.MsgSeqNumber = 3;
   md.MsgFlags = 8; // in a group
@@ -396,7 +396,7 @@ TEST_F(SimpleRecordTest, GroupMessagesShowTheirSequenceNumber) {
 }
 
 TEST_F(SimpleRecordTest, TransactionCallsHaveNoObjectColumn) {
-  cb->NewFileOpened = 0;
+  cb->File.NewFileOpened = 0;
   Call(ZKXF_XACOMMIT, "Q1"); // a leftover name is not shown
   PutSimpleRecord(cb, -3, -3, &first, &second, nullptr, -1);
   EXPECT_EQ(TakeMasked(), "       1 [TIME]  xa_commit  4294967293" + std::string("4294967293") +
@@ -412,12 +412,12 @@ TEST_F(SimpleRecordTest, PerformanceOnlyWritesNothingButCounts) {
   EXPECT_EQ(Count(), 1u);
   EXPECT_EQ(first.CallCount, 1u);
   EXPECT_EQ(first.TimedCalls, 1);
-  EXPECT_EQ(cb->RecordTimeText[0], '\0');
+  EXPECT_EQ(cb->Clock.RecordTimeText[0], '\0');
 }
 
 TEST_F(SimpleRecordTest, WriteAfterEachApiFlushesTheLine) {
   cb->Settings.WriteAfterEachApi = 1;
-  cb->NewFileOpened = 0;
+  cb->File.NewFileOpened = 0;
   Call(ZKXF_PUT, "Q1");
   PutSimpleRecord(cb, 0, 0, &first, &second, nullptr, -1);
   EXPECT_EQ(cb->WriteBufferFill, 0);
@@ -438,7 +438,7 @@ struct SummarySuppressTest : SimpleRecordTest {
   // Whether a call is written, and that it is counted either way.
   bool Written(int32_t function, const char *object, int32_t compCode, int32_t reason) {
     uint32_t before = Count();
-    cb->NewFileOpened = 0;
+    cb->File.NewFileOpened = 0;
     Call(function, object);
     PutSimpleRecord(cb, compCode, reason, &first, &second, nullptr, -1);
     EXPECT_EQ(Count(), before + 1);

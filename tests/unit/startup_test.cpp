@@ -98,7 +98,7 @@ TEST_F(StartupTest, Version2RegistersFortyOneFunctionsInOrder) {
   }
   auto *cb = (ExitControlBlock *)c.Axp.ExitChainAreaPtr;
   ASSERT_NE(cb, nullptr);
-  EXPECT_EQ(cb->ApiLevel, API_LEVEL_700);
+  EXPECT_EQ(cb->Identity.ApiLevel, API_LEVEL_700);
   EXPECT_EQ(c.CompCode, 0); // the connection's own codes are not touched
   EXPECT_EQ(c.Reason, 0);
   Disconnect(c);
@@ -111,7 +111,7 @@ TEST_F(StartupTest, Version1RegistersTwentyEightAndNoV7Group) {
   EXPECT_EQ(c.Axp.ExitResponse, ZKXCC_OK);
   EXPECT_EQ(gTestXep.Calls.size(), 28u);
   EXPECT_EQ(Recorded(), Expected(false, false, false));
-  EXPECT_EQ(((ExitControlBlock *)c.Axp.ExitChainAreaPtr)->ApiLevel, API_LEVEL_600);
+  EXPECT_EQ(((ExitControlBlock *)c.Axp.ExitChainAreaPtr)->Identity.ApiLevel, API_LEVEL_600);
   Disconnect(c);
 }
 
@@ -135,28 +135,28 @@ TEST_F(StartupTest, ControlBlockIsFilledFromTheConnection) {
             (ZKLONG)(sizeof(ExitControlBlock) + cb->Settings.WriteBufferSize));
   EXPECT_EQ(cb->ChainHeader.NextChainAreaPtr, nullptr);
   EXPECT_EQ(cb->WriteBufferSize, cb->Settings.WriteBufferSize);
-  EXPECT_EQ(std::string(cb->TraceDirectory), dir.Path() + "/");
-  EXPECT_STREQ(cb->ProcessName, "payroll");
-  EXPECT_STREQ(cb->ApplName, "/opt/app/bin/payroll");
-  EXPECT_STREQ(cb->UserId, "alice");
-  EXPECT_STREQ(cb->QMgrName, "ZKQM1");
-  EXPECT_STREQ(cb->ExitInfoName, "wz");
-  EXPECT_STREQ(cb->EntryName, "wzEntry");
-  EXPECT_STREQ(cb->ApiCallerTypeText, "EXTERNAL");
-  EXPECT_STREQ(cb->EnvironmentText, "OTHER");
-  EXPECT_STREQ(cb->ApplTypeText, "UNIX");
-  EXPECT_STREQ(cb->ProgramVersion, "7.52");
-  EXPECT_STREQ(cb->BuildVariant, "Common to single thread and multi thread");
-  EXPECT_EQ(cb->ZkaxcProcessId, 4242);
-  EXPECT_EQ(cb->ZkaxcThreadId, 7);
-  EXPECT_EQ(cb->ProcessId, (int32_t)getpid());
+  EXPECT_EQ(std::string(cb->File.TraceDirectory), dir.Path() + "/");
+  EXPECT_STREQ(cb->Identity.ProcessName, "payroll");
+  EXPECT_STREQ(cb->Identity.ApplName, "/opt/app/bin/payroll");
+  EXPECT_STREQ(cb->Identity.UserId, "alice");
+  EXPECT_STREQ(cb->Identity.QMgrName, "ZKQM1");
+  EXPECT_STREQ(cb->Identity.ExitInfoName, "wz");
+  EXPECT_STREQ(cb->Identity.EntryName, "wzEntry");
+  EXPECT_STREQ(cb->Identity.ApiCallerTypeText, "EXTERNAL");
+  EXPECT_STREQ(cb->Identity.EnvironmentText, "OTHER");
+  EXPECT_STREQ(cb->Identity.ApplTypeText, "UNIX");
+  EXPECT_STREQ(cb->Identity.ProgramVersion, "7.52");
+  EXPECT_STREQ(cb->Identity.BuildVariant, "Common to single thread and multi thread");
+  EXPECT_EQ(cb->Identity.ZkaxcProcessId, 4242);
+  EXPECT_EQ(cb->Identity.ZkaxcThreadId, 7);
+  EXPECT_EQ(cb->Identity.ProcessId, (int32_t)getpid());
   EXPECT_EQ(cb->ExecStatus, 1);
   EXPECT_EQ(cb->ExitType, EXIT_TYPE_API);
   EXPECT_EQ(cb->Debug, 0);
-  EXPECT_EQ(cb->RotationPermitted, 0); // cleared once the first header is written
-  EXPECT_EQ(cb->HandleCapacity, 100);
-  EXPECT_NE(cb->HandleList, nullptr);
-  EXPECT_NE(cb->StartTimeText[0], '\0');
+  EXPECT_EQ(cb->File.RotationPermitted, 0); // cleared once the first header is written
+  EXPECT_EQ(cb->Handles.HandleCapacity, 100);
+  EXPECT_NE(cb->Handles.HandleList, nullptr);
+  EXPECT_NE(cb->Clock.StartTimeText[0], '\0');
   Disconnect(c);
 }
 
@@ -166,7 +166,7 @@ TEST_F(StartupTest, DebugEntryMarksTheBlock) {
   auto *cb = (ExitControlBlock *)c.Axp.ExitChainAreaPtr;
   ASSERT_NE(cb, nullptr);
   EXPECT_EQ(cb->Debug, 1);
-  EXPECT_STREQ(cb->EntryName, "wzEntryDebug");
+  EXPECT_STREQ(cb->Identity.EntryName, "wzEntryDebug");
   Disconnect(c);
 }
 
@@ -279,7 +279,7 @@ TEST_F(StartupTest, ExcludedProcessWithoutNoExitOptionStaysRegistered) {
   ASSERT_NE(cb, nullptr);
   EXPECT_EQ(cb->ExecStatus, 0);
   EXPECT_EQ(cb->ProcessNameMatch, 0);
-  EXPECT_EQ(cb->RotationPermitted, 1); // no trace file was started
+  EXPECT_EQ(cb->File.RotationPermitted, 1); // no trace file was started
   Disconnect(c);
 }
 

@@ -43,13 +43,13 @@ namespace {
 // A capture block whose flushed text goes to a file, with counting helpers.
 struct SummaryCapture : FileCapture {
   SummaryCapture() {
-    cb->ApiLevel = API_LEVEL_700;
+    cb->Identity.ApiLevel = API_LEVEL_700;
     cb->ExecStatus = 1;
   }
   CallCounterRecord &Record(int32_t function, int32_t period) {
     int32_t index = StatisticsIndexOfFunction(function);
     EXPECT_GE(index, 0);
-    return cb->Statistics[index][period];
+    return cb->Counters.Statistics[index][period];
   }
   // Counts one call in both periods, as the after-handlers do.
   void Count(int32_t function, ZKLONG compCode, ZKLONG reason, int64_t elapsed) {
@@ -266,13 +266,13 @@ TEST(CallSummary, NothingIsWrittenBeforeTheFirstCall) {
   c.cb->Settings.ShowPerformanceIntervalCount = 5;
   PutSummaryRecord(c.cb);
   EXPECT_EQ(c.Text(), "");
-  EXPECT_EQ(c.cb->SplitSequence, 0u);
+  EXPECT_EQ(c.cb->Counters.SplitSequence, 0u);
 }
 
 TEST(CallSummary, WholeTableAtLevel600WithoutAddresses) {
   SummaryCapture c;
-  c.cb->ApiLevel = API_LEVEL_600;
-  c.cb->NoAddress = 1;
+  c.cb->Identity.ApiLevel = API_LEVEL_600;
+  c.cb->File.NoAddress = 1;
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 2000000);
   c.Count(ZKXF_PUT, ZKCC_WARNING, 2190, 1000000);
   c.Count(ZKXF_GET, ZKCC_FAILED, 2033, 500);
@@ -301,7 +301,7 @@ TEST(CallSummary, WholeTableAtLevel600WithoutAddresses) {
 
 TEST(CallSummary, Level600ShowsNeitherVersion7NorTransactionRowsEvenWithShowXaCalls) {
   SummaryCapture c;
-  c.cb->ApiLevel = API_LEVEL_600;
+  c.cb->Identity.ApiLevel = API_LEVEL_600;
   c.cb->Settings.ShowXaCalls = 1;
   c.Count(ZKXF_STAT, ZKCC_OK, 0, 10);
   c.Count(ZKXF_XAOPEN, ZKCC_OK, 0, 10);
@@ -311,7 +311,7 @@ TEST(CallSummary, Level600ShowsNeitherVersion7NorTransactionRowsEvenWithShowXaCa
 
 TEST(CallSummary, Level700AddsVersion7Rows) {
   SummaryCapture c;
-  c.cb->ApiLevel = API_LEVEL_700;
+  c.cb->Identity.ApiLevel = API_LEVEL_700;
   c.cb->Settings.ShowXaCalls = 0;
   c.Count(ZKXF_CALLBACK, ZKCC_OK, 0, 10);
   PutSummaryRecord(c.cb);
@@ -324,7 +324,7 @@ TEST(CallSummary, Level700AddsVersion7Rows) {
 
 TEST(CallSummary, Level700WithShowXaCallsAddsTransactionRows) {
   SummaryCapture c;
-  c.cb->ApiLevel = API_LEVEL_700;
+  c.cb->Identity.ApiLevel = API_LEVEL_700;
   c.cb->Settings.ShowXaCalls = 1;
   c.Count(ZKXF_AXUNREG, ZKCC_OK, 0, 10);
   PutSummaryRecord(c.cb);
@@ -351,7 +351,7 @@ TEST(CallSummary, CumulativeRecordsAreNeverZeroed) {
   PutSummaryRecord(c.cb);
   PutSummaryRecord(c.cb);
   EXPECT_EQ(c.Record(ZKXF_PUT, COUNTER_CUMULATIVE).CallCount, 1u);
-  EXPECT_EQ(c.cb->Totals[COUNTER_CUMULATIVE].CallCount, 1u);
+  EXPECT_EQ(c.cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount, 1u);
   EXPECT_EQ(Occurrences(c.Text(), "|  ZKPUT      "
                                   "       1        0        0        0        1 "),
             2u);
@@ -361,8 +361,8 @@ TEST(CallSummary, CumulativeRecordsAreNeverZeroed) {
 TEST(CallSummary, ChannelTableRowsAtLevel700) {
   SummaryCapture c;
   c.cb->ExitType = EXIT_TYPE_CHANNEL;
-  c.cb->NoAddress = 1;
-  c.cb->Totals[COUNTER_CUMULATIVE].CallCount = 1;
+  c.cb->File.NoAddress = 1;
+  c.cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount = 1;
   PutSummaryRecord(c.cb);
   std::string text = c.Text();
   EXPECT_NE(text.find(CHL_HEADING), std::string::npos);
@@ -394,8 +394,8 @@ TEST(CallSummary, ChannelTableRowsAtLevel700) {
 TEST(CallSummary, ChannelTableAtLevel600HasNoVersion7Pairs) {
   SummaryCapture c;
   c.cb->ExitType = EXIT_TYPE_CHANNEL;
-  c.cb->ApiLevel = API_LEVEL_600;
-  c.cb->Totals[COUNTER_CUMULATIVE].CallCount = 1;
+  c.cb->Identity.ApiLevel = API_LEVEL_600;
+  c.cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount = 1;
   PutSummaryRecord(c.cb);
   std::vector<std::string> labels = RowLabels(c.Text(), 16);
   ASSERT_EQ(labels.size(), 11u * 2 + 7);
@@ -419,8 +419,8 @@ TEST(CallSummary, ChannelRequestRowsShowTheSecondMeasureAndRepliesTheFirst) {
   put.SecondMaximum = 5000;
   CallCounterRecord &xmit = c.Record(ZKXF_XACOMMIT, COUNTER_CUMULATIVE);
   xmit.CallCount = 7;
-  c.cb->Totals[COUNTER_CUMULATIVE].CallCount = 11;
-  c.cb->Totals[COUNTER_CUMULATIVE].OkCount = 2;
+  c.cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount = 11;
+  c.cb->Counters.Totals[COUNTER_CUMULATIVE].OkCount = 2;
   PutSummaryRecord(c.cb);
   std::string text = c.Text();
   EXPECT_NE(text.find("|  ZKPUT   request "
@@ -444,8 +444,8 @@ TEST(CallSummary, ChannelRequestRowsShowTheSecondMeasureAndRepliesTheFirst) {
 
 TEST(SplitSummary, WrittenAfterTheCallSummaryWhenAnIntervalIsSet) {
   SummaryCapture c;
-  c.cb->NoAddress = 1;
-  c.cb->ApiLevel = API_LEVEL_600;
+  c.cb->File.NoAddress = 1;
+  c.cb->Identity.ApiLevel = API_LEVEL_600;
   c.cb->Settings.ShowPerformanceIntervalCount = 10;
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 250);
   PutSummaryRecord(c.cb);
@@ -480,7 +480,7 @@ TEST(SplitSummary, TimeIntervalAloneAlsoWritesIt) {
 
 TEST(SplitSummary, ZkiRowsAndTotalAreZeroedButTransactionRowsKeepGrowing) {
   SummaryCapture c;
-  c.cb->NoAddress = 1;
+  c.cb->File.NoAddress = 1;
   c.cb->Settings.ShowXaCalls = 1;
   c.cb->Settings.ShowPerformanceIntervalCount = 10;
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 250);
@@ -488,10 +488,10 @@ TEST(SplitSummary, ZkiRowsAndTotalAreZeroedButTransactionRowsKeepGrowing) {
   PutSummaryRecord(c.cb);
   EXPECT_EQ(c.Record(ZKXF_PUT, COUNTER_SPLIT).CallCount, 0u);
   EXPECT_EQ(c.Record(ZKXF_PUT, COUNTER_SPLIT).TimedCalls, 0);
-  EXPECT_EQ(c.cb->Totals[COUNTER_SPLIT].CallCount, 0u);
+  EXPECT_EQ(c.cb->Counters.Totals[COUNTER_SPLIT].CallCount, 0u);
   EXPECT_EQ(c.Record(ZKXF_XACOMMIT, COUNTER_SPLIT).CallCount, 1u);
   EXPECT_EQ(c.Record(ZKXF_PUT, COUNTER_CUMULATIVE).CallCount, 1u);
-  EXPECT_EQ(c.cb->Totals[COUNTER_CUMULATIVE].CallCount, 2u);
+  EXPECT_EQ(c.cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount, 2u);
 
   c.Count(ZKXF_XACOMMIT, ZKCC_OK, 0, 300);
   PutSummaryRecord(c.cb);
@@ -518,21 +518,22 @@ TEST(SplitSummary, SplitNumbersRiseAndEachSplitStartsWhereTheLastEnded) {
   PutSummaryRecord(c.cb);
   std::string first = c.Text();
   // Before the first split the split starts with the connection.
-  EXPECT_NE(first.find(std::string("|  start ") + c.cb->StartTimeText + "\n"), std::string::npos)
+  EXPECT_NE(first.find(std::string("|  start ") + c.cb->Clock.StartTimeText + "\n"),
+            std::string::npos)
       << first;
   std::smatch end;
   std::regex endLine("\\|  end   (\\[[^\\]]*\\])\n");
   ASSERT_TRUE(std::regex_search(first, end, endLine));
-  EXPECT_EQ(std::string(c.cb->SplitStartText), end[1].str());
-  struct timeval splitStart = c.cb->SplitStartTime;
-  EXPECT_GE(splitStart.tv_sec, c.cb->StartTime.tv_sec);
+  EXPECT_EQ(std::string(c.cb->Counters.SplitStartText), end[1].str());
+  struct timeval splitStart = c.cb->Counters.SplitStartTime;
+  EXPECT_GE(splitStart.tv_sec, c.cb->Clock.StartTime.tv_sec);
 
   PutSummaryRecord(c.cb);
   std::string all = c.Text();
   size_t second = all.find("|Split summary (2)\n");
   ASSERT_NE(second, std::string::npos);
   EXPECT_NE(all.find("|  start " + end[1].str() + "\n", second), std::string::npos);
-  EXPECT_EQ(c.cb->SplitSequence, 2u);
+  EXPECT_EQ(c.cb->Counters.SplitSequence, 2u);
 }
 
 TEST(SplitSummary, DurationShowsHoursMinutesSecondsAndMicroseconds) {
@@ -543,9 +544,9 @@ TEST(SplitSummary, DurationShowsHoursMinutesSecondsAndMicroseconds) {
   gettimeofday(&now, nullptr);
   // 1 hour, 2 minutes and 3.5 seconds before now.
   int64_t start = (int64_t)now.tv_sec * 1000000 + now.tv_usec - 3723500000LL;
-  c.cb->SplitStartTime.tv_sec = (time_t)(start / 1000000);
-  c.cb->SplitStartTime.tv_usec = (suseconds_t)(start % 1000000);
-  snprintf(c.cb->SplitStartText, sizeof c.cb->SplitStartText, "[earlier]");
+  c.cb->Counters.SplitStartTime.tv_sec = (time_t)(start / 1000000);
+  c.cb->Counters.SplitStartTime.tv_usec = (suseconds_t)(start % 1000000);
+  snprintf(c.cb->Counters.SplitStartText, sizeof c.cb->Counters.SplitStartText, "[earlier]");
   PutSummaryRecord(c.cb);
   std::string text = c.Text();
   std::smatch m;
@@ -565,8 +566,8 @@ TEST(SplitSummary, DurationHoursAreNotCutAt99) {
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 1);
   struct timeval now;
   gettimeofday(&now, nullptr);
-  c.cb->SplitStartTime.tv_sec = now.tv_sec - 100 * 3600 - 1;
-  c.cb->SplitStartTime.tv_usec = now.tv_usec;
+  c.cb->Counters.SplitStartTime.tv_sec = now.tv_sec - 100 * 3600 - 1;
+  c.cb->Counters.SplitStartTime.tv_usec = now.tv_usec;
   PutSummaryRecord(c.cb);
   EXPECT_TRUE(std::regex_search(c.Text(), std::regex("duration         \\[100:00:01\\.\\d{6}\\]")))
       << c.Text();
@@ -581,8 +582,8 @@ TEST(SummaryInterval, NothingHappensWithoutIntervals) {
     ShowPerformanceSummary(c.cb);
   }
   EXPECT_EQ(c.Text(), "");
-  EXPECT_EQ(c.cb->IntervalCallCounter, 0);
-  EXPECT_EQ(c.cb->LastIntervalTime, 0);
+  EXPECT_EQ(c.cb->Counters.IntervalCallCounter, 0);
+  EXPECT_EQ(c.cb->Counters.LastIntervalTime, 0);
 }
 
 TEST(SummaryInterval, CountIntervalWritesASummaryEveryNCalls) {
@@ -592,11 +593,11 @@ TEST(SummaryInterval, CountIntervalWritesASummaryEveryNCalls) {
   ShowPerformanceSummary(c.cb);
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(c.Text(), "");
-  EXPECT_EQ(c.cb->IntervalCallCounter, 2);
+  EXPECT_EQ(c.cb->Counters.IntervalCallCounter, 2);
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(Occurrences(c.Text(), "|Call summary - "), 1u);
   EXPECT_EQ(Occurrences(c.Text(), "|Split summary (1)\n"), 1u);
-  EXPECT_EQ(c.cb->IntervalCallCounter, 0);
+  EXPECT_EQ(c.cb->Counters.IntervalCallCounter, 0);
   for (int i = 0; i < 3; i++) {
     ShowPerformanceSummary(c.cb);
   }
@@ -611,8 +612,8 @@ TEST(SummaryInterval, TimeIntervalFirstOnlyRemembersTheTime) {
   time_t before = time(nullptr);
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(c.Text(), "");
-  EXPECT_GE(c.cb->LastIntervalTime, before);
-  EXPECT_LE(c.cb->LastIntervalTime, time(nullptr));
+  EXPECT_GE(c.cb->Counters.LastIntervalTime, before);
+  EXPECT_LE(c.cb->Counters.LastIntervalTime, time(nullptr));
 }
 
 TEST(SummaryInterval, TimeIntervalWritesWhenDueAndRestartsFromNow) {
@@ -620,15 +621,15 @@ TEST(SummaryInterval, TimeIntervalWritesWhenDueAndRestartsFromNow) {
   c.cb->Settings.ShowPerformanceIntervalTime = 60;
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 1);
   time_t now = time(nullptr);
-  c.cb->LastIntervalTime = now - 30;
+  c.cb->Counters.LastIntervalTime = now - 30;
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(c.Text(), "") << "not due yet";
-  EXPECT_EQ(c.cb->LastIntervalTime, now - 30);
+  EXPECT_EQ(c.cb->Counters.LastIntervalTime, now - 30);
 
-  c.cb->LastIntervalTime = now - 60; // last + interval is not after now: due
+  c.cb->Counters.LastIntervalTime = now - 60; // last + interval is not after now: due
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(Occurrences(c.Text(), "|Split summary (1)\n"), 1u);
-  EXPECT_GE(c.cb->LastIntervalTime, now);
+  EXPECT_GE(c.cb->Counters.LastIntervalTime, now);
 }
 
 TEST(SummaryInterval, BothIntervalsDueAtOnceWriteOneSummary) {
@@ -637,27 +638,27 @@ TEST(SummaryInterval, BothIntervalsDueAtOnceWriteOneSummary) {
   c.cb->Settings.ShowPerformanceIntervalTime = 60;
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 1);
   time_t now = time(nullptr);
-  c.cb->IntervalCallCounter = 99;
-  c.cb->LastIntervalTime = now - 61;
+  c.cb->Counters.IntervalCallCounter = 99;
+  c.cb->Counters.LastIntervalTime = now - 61;
   ShowPerformanceSummary(c.cb);
   std::string text = c.Text();
   EXPECT_EQ(Occurrences(text, "|Call summary - "), 1u);
   EXPECT_EQ(Occurrences(text, "|Split summary ("), 1u);
-  EXPECT_EQ(c.cb->IntervalCallCounter, 0);
-  EXPECT_GE(c.cb->LastIntervalTime, now) << "the time interval restarts too";
+  EXPECT_EQ(c.cb->Counters.IntervalCallCounter, 0);
+  EXPECT_GE(c.cb->Counters.LastIntervalTime, now) << "the time interval restarts too";
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(Occurrences(c.Text(), "|Split summary ("), 1u);
 }
 
 TEST(SummaryInterval, SummaryAtAnIntervalMayStartANewTraceFile) {
   SummaryCapture c;
-  snprintf(c.cb->QMgrName, sizeof c.cb->QMgrName, "QM1");
-  snprintf(c.cb->ProcessName, sizeof c.cb->ProcessName, "app");
+  snprintf(c.cb->Identity.QMgrName, sizeof c.cb->Identity.QMgrName, "QM1");
+  snprintf(c.cb->Identity.ProcessName, sizeof c.cb->Identity.ProcessName, "app");
   c.cb->Settings.ShowZkVersion = 0;
   c.cb->Settings.ShowPerformanceIntervalCount = 2;
   c.Count(ZKXF_PUT, ZKCC_OK, 0, 1);
   // The current file is over its size: the next text that may switch does.
-  c.cb->CurrentFileSize = c.cb->Settings.MaxFileSize + 1;
+  c.cb->File.CurrentFileSize = c.cb->Settings.MaxFileSize + 1;
 
   ShowPerformanceSummary(c.cb);
   EXPECT_EQ(c.dir.List().size(), 1u) << "not due: no switch";
@@ -672,12 +673,12 @@ TEST(SummaryInterval, SummaryAtAnIntervalMayStartANewTraceFile) {
     }
   }
   EXPECT_TRUE(newFile);
-  EXPECT_EQ(c.cb->RotationPermitted, 0) << "the summary's own lines stay in one file";
+  EXPECT_EQ(c.cb->File.RotationPermitted, 0) << "the summary's own lines stay in one file";
   EXPECT_GT(c.cb->WriteBufferFill, 0);
   std::string written(c.cb->WriteBuffer, (size_t)c.cb->WriteBufferFill);
   EXPECT_NE(written.find("|Split summary"), std::string::npos);
-  close(c.cb->FileDescriptor);
-  c.cb->FileDescriptor = 0;
+  close(c.cb->File.FileDescriptor);
+  c.cb->File.FileDescriptor = 0;
 }
 
 } // namespace

@@ -34,7 +34,7 @@ struct TraceCaptureTest : ::testing::Test {
     cb = ControlBlockOf(&conn.Axp);
     ASSERT_NE(cb, nullptr);
     ASSERT_EQ(cb->FatalError, 0);
-    cb->NoAddress = 1;
+    cb->File.NoAddress = 1;
     start = Take();
   }
 
@@ -60,8 +60,8 @@ struct TraceCaptureTest : ::testing::Test {
     if (flush) {
       FlushTraceDataInBuffer(cb);
     }
-    if (path != cb->TraceFilePath) {
-      path = cb->TraceFilePath;
+    if (path != cb->File.TraceFilePath) {
+      path = cb->File.TraceFilePath;
       mark = 0;
     }
     std::string all = ReadFile(path);

@@ -18,14 +18,14 @@ struct TraceFileBuffer : ::testing::Test {
   long long Open() {
     EXPECT_EQ(SetDataToWriteBuffer(cb, ""), 0);
     EXPECT_EQ(FlushTraceDataInBuffer(cb), 0);
-    return SizeOfFile(cb->TraceFilePath);
+    return SizeOfFile(cb->File.TraceFilePath);
   }
-  std::string OnDisk() const { return ReadWholeFile(cb->TraceFilePath); }
+  std::string OnDisk() const { return ReadWholeFile(cb->File.TraceFilePath); }
   // Replaces the open descriptor by one that cannot be written.
   void MakeDescriptorReadOnly() {
-    int readOnly = open(cb->TraceFilePath, O_RDONLY);
+    int readOnly = open(cb->File.TraceFilePath, O_RDONLY);
     ASSERT_GE(readOnly, 0);
-    ASSERT_EQ(dup2(readOnly, cb->FileDescriptor), cb->FileDescriptor);
+    ASSERT_EQ(dup2(readOnly, cb->File.FileDescriptor), cb->File.FileDescriptor);
     close(readOnly);
   }
 };
@@ -35,19 +35,19 @@ TEST_F(TraceFileBuffer, SmallTextsWaitInTheBufferUntilFlushed) {
   ASSERT_EQ(SetDataToWriteBuffer(cb, "first\n"), 0);
   ASSERT_EQ(SetDataToWriteBuffer(cb, "second\n"), 0);
   ASSERT_EQ(WriteTraceData(cb, "third\n"), 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
   EXPECT_EQ(cb->WriteBufferFill, 19);
   EXPECT_STREQ(cb->WriteBuffer, "first\nsecond\nthird\n");
   ASSERT_EQ(FlushTraceDataInBuffer(cb), 0);
   EXPECT_EQ(cb->WriteBufferFill, 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before + 19);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before + 19);
   EXPECT_EQ(OnDisk().substr((size_t)before), "first\nsecond\nthird\n");
 }
 
 TEST_F(TraceFileBuffer, FlushOfAnEmptyBufferWritesNothing) {
   long long before = Open();
   EXPECT_EQ(FlushTraceDataInBuffer(cb), 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
 }
 
 TEST_F(TraceFileBuffer, TextAsLargeAsTheBufferGoesStraightToDisk) {
@@ -55,12 +55,12 @@ TEST_F(TraceFileBuffer, TextAsLargeAsTheBufferGoesStraightToDisk) {
   std::string large(5000, 'L');
   ASSERT_EQ(WriteTraceData(cb, large.c_str()), 0);
   EXPECT_EQ(cb->WriteBufferFill, 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before + 5000);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before + 5000);
   // One byte less is buffered.
   std::string smaller(4999, 'S');
   ASSERT_EQ(WriteTraceData(cb, smaller.c_str()), 0);
   EXPECT_EQ(cb->WriteBufferFill, 4999);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before + 5000);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before + 5000);
 }
 
 TEST_F(TraceFileBuffer, BufferedTextsGoOutBeforeALargeText) {
@@ -79,12 +79,12 @@ TEST_F(TraceFileBuffer, BufferIsFlushedWhenTheNextTextWouldFillIt) {
   std::string c(1, 'c');
   ASSERT_EQ(WriteTraceData(cb, a.c_str()), 0);
   ASSERT_EQ(WriteTraceData(cb, b.c_str()), 0); // 4999: still fits
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
   ASSERT_EQ(WriteTraceData(cb, c.c_str()), 0); // would reach 5000
   EXPECT_EQ(OnDisk().substr((size_t)before), a + b);
   EXPECT_EQ(cb->WriteBufferFill, 1);
   EXPECT_STREQ(cb->WriteBuffer, "c");
-  EXPECT_EQ(cb->CurrentFileSize, before + 5000);
+  EXPECT_EQ(cb->File.CurrentFileSize, before + 5000);
 }
 
 TEST_F(TraceFileBuffer, BufferNeverWritesPastItsEnd) {
@@ -106,10 +106,10 @@ TEST_F(TraceFileBuffer, BufferNeverWritesPastItsEnd) {
     ASSERT_EQ((unsigned char)cb->WriteBuffer[size + i], 0x5A) << "guard byte " << i;
   }
   ASSERT_EQ(FlushTraceDataInBuffer(cb), 0);
-  EXPECT_EQ(cb->CurrentFileSize, SizeOfFile(cb->TraceFilePath));
-  close(cb->FileDescriptor);
+  EXPECT_EQ(cb->File.CurrentFileSize, SizeOfFile(cb->File.TraceFilePath));
+  close(cb->File.FileDescriptor);
   free(cb);
-  saved->FileDescriptor = 0;
+  saved->File.FileDescriptor = 0;
   cb = saved;
 }
 
@@ -117,26 +117,26 @@ TEST_F(TraceFileBuffer, LastFlushTimeStartsAtTheOpen) {
   time_t before = time(nullptr);
   Open();
   time_t after = time(nullptr);
-  EXPECT_GE(cb->LastFlushTime, before);
-  EXPECT_LE(cb->LastFlushTime, after);
+  EXPECT_GE(cb->File.LastFlushTime, before);
+  EXPECT_LE(cb->File.LastFlushTime, after);
 }
 
 TEST_F(TraceFileBuffer, IntervalFlushWritesTheBufferWhenTheIntervalHasPassed) {
   cb->Settings.WriteInterval = 10;
   long long before = Open();
   ASSERT_EQ(WriteTraceData(cb, "early\n"), 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
   // Ten seconds since the last flush is not yet "earlier than now".
   time_t now = time(nullptr);
-  cb->LastFlushTime = now - 10 + 2;
+  cb->File.LastFlushTime = now - 10 + 2;
   ASSERT_EQ(WriteTraceData(cb, "middle\n"), 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
   // Eleven seconds are.
-  cb->LastFlushTime = now - 11;
+  cb->File.LastFlushTime = now - 11;
   ASSERT_EQ(WriteTraceData(cb, "late\n"), 0);
   EXPECT_EQ(OnDisk().substr((size_t)before), "early\nmiddle\n");
   EXPECT_STREQ(cb->WriteBuffer, "late\n");
-  EXPECT_GE(cb->LastFlushTime, now);
+  EXPECT_GE(cb->File.LastFlushTime, now);
 }
 
 TEST_F(TraceFileBuffer, IntervalExactlyPassedIsNotYetDue) {
@@ -148,12 +148,12 @@ TEST_F(TraceFileBuffer, IntervalExactlyPassedIsNotYetDue) {
   bool measured = false;
   for (int attempt = 0; attempt < 5 && !measured; attempt++) {
     time_t now = time(nullptr);
-    cb->LastFlushTime = now - 10;
+    cb->File.LastFlushTime = now - 10;
     ASSERT_EQ(WriteTraceData(cb, "x"), 0);
     if (time(nullptr) == now) {
       measured = true;
-      EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
-      EXPECT_EQ(cb->LastFlushTime, now - 10);
+      EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
+      EXPECT_EQ(cb->File.LastFlushTime, now - 10);
     }
   }
   EXPECT_TRUE(measured);
@@ -162,32 +162,32 @@ TEST_F(TraceFileBuffer, IntervalExactlyPassedIsNotYetDue) {
 TEST_F(TraceFileBuffer, IntervalZeroNeverFlushesByTime) {
   cb->Settings.WriteInterval = 0;
   long long before = Open();
-  cb->LastFlushTime = 0;
+  cb->File.LastFlushTime = 0;
   ASSERT_EQ(WriteTraceData(cb, "one\n"), 0);
   ASSERT_EQ(WriteTraceData(cb, "two\n"), 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
-  EXPECT_EQ(cb->LastFlushTime, 0);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
+  EXPECT_EQ(cb->File.LastFlushTime, 0);
 }
 
 TEST_F(TraceFileBuffer, EmptyBufferIsNotFlushedByTime) {
   cb->Settings.WriteInterval = 1;
   long long before = Open();
-  cb->LastFlushTime = 1000;
+  cb->File.LastFlushTime = 1000;
   ASSERT_EQ(WriteTraceData(cb, "only\n"), 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before);
-  EXPECT_EQ(cb->LastFlushTime, 1000); // the clock was not consulted
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before);
+  EXPECT_EQ(cb->File.LastFlushTime, 1000); // the clock was not consulted
 }
 
 TEST_F(TraceFileBuffer, SizeFlushRestartsTheIntervalWhenOneIsSet) {
   cb->Settings.WriteInterval = 30;
   Open();
-  cb->LastFlushTime = 1000;
+  cb->File.LastFlushTime = 1000;
   std::string a(4000, 'a');
   std::string b(1000, 'b');
   time_t before = time(nullptr);
   ASSERT_EQ(WriteTraceData(cb, a.c_str()), 0);
   ASSERT_EQ(WriteTraceData(cb, b.c_str()), 0); // size-triggered
-  EXPECT_GE(cb->LastFlushTime, before);
+  EXPECT_GE(cb->File.LastFlushTime, before);
   EXPECT_EQ(cb->WriteBufferFill, 1000);
 }
 
@@ -196,22 +196,22 @@ TEST_F(TraceFileBuffer, WithoutCacheEveryTextGoesStraightToDisk) {
   long long before = Open();
   ASSERT_EQ(SetDataToWriteBuffer(cb, "direct one\n"), 0);
   EXPECT_EQ(cb->WriteBufferFill, 0);
-  EXPECT_EQ(SizeOfFile(cb->TraceFilePath), before + 11);
+  EXPECT_EQ(SizeOfFile(cb->File.TraceFilePath), before + 11);
   ASSERT_EQ(WriteTraceData(cb, "direct two\n"), 0);
   EXPECT_EQ(OnDisk().substr((size_t)before), "direct one\ndirect two\n");
-  EXPECT_EQ(cb->CurrentFileSize, SizeOfFile(cb->TraceFilePath));
+  EXPECT_EQ(cb->File.CurrentFileSize, SizeOfFile(cb->File.TraceFilePath));
 }
 
 TEST_F(TraceFileBuffer, StreamModeWritesThroughTheStream) {
   cb->Settings.WriteStream = 1;
   ASSERT_EQ(SetDataToWriteBuffer(cb, "streamed line\n"), 0);
-  EXPECT_NE(cb->FileStream, nullptr);
-  EXPECT_EQ(cb->FileDescriptor, 0);
+  EXPECT_NE(cb->File.FileStream, nullptr);
+  EXPECT_EQ(cb->File.FileDescriptor, 0);
   EXPECT_EQ(cb->WriteBufferFill, 0);
   EXPECT_EQ(FlushTraceDataInBuffer(cb), 0);
-  std::string path = cb->TraceFilePath;
+  std::string path = cb->File.TraceFilePath;
   CloseAndCompressFile(cb, nullptr);
-  EXPECT_EQ(cb->FileStream, nullptr);
+  EXPECT_EQ(cb->File.FileStream, nullptr);
   std::string closed = path.substr(0, path.size() - 2) + ".txt";
   EXPECT_NE(ReadWholeFile(closed).find("streamed line\n"), std::string::npos);
 }
@@ -220,14 +220,14 @@ TEST_F(TraceFileBuffer, FailedDirectWriteStopsTheTrace) {
   cb->Settings.WriteCache = 0;
   Open();
   MakeDescriptorReadOnly();
-  int64_t size = cb->CurrentFileSize;
+  int64_t size = cb->File.CurrentFileSize;
   EXPECT_EQ(WriteTraceData(cb, "lost\n"), -1);
   EXPECT_EQ(cb->FatalError, 1);
-  EXPECT_EQ(cb->CurrentFileSize, size);
+  EXPECT_EQ(cb->File.CurrentFileSize, size);
   std::string messages = ErrorFileText(dir);
-  EXPECT_NE(
-      messages.find(std::string("File      : ") + cb->TraceFilePath + "\n  Operation : write\n"),
-      std::string::npos)
+  EXPECT_NE(messages.find(std::string("File      : ") + cb->File.TraceFilePath +
+                          "\n  Operation : write\n"),
+            std::string::npos)
       << messages;
   EXPECT_NE(messages.find("EBADF"), std::string::npos);
   EXPECT_EQ(SetDataToWriteBuffer(cb, "more\n"), -1);
@@ -247,10 +247,10 @@ TEST_F(TraceFileBuffer, FailedFputsStopsTheTrace) {
   cb->Settings.WriteStream = 1;
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
   // A stream that cannot be written, in place of the trace file's.
-  FILE *readOnly = fopen(cb->TraceFilePath, "r");
+  FILE *readOnly = fopen(cb->File.TraceFilePath, "r");
   ASSERT_NE(readOnly, nullptr);
-  fclose(cb->FileStream);
-  cb->FileStream = readOnly;
+  fclose(cb->File.FileStream);
+  cb->File.FileStream = readOnly;
   EXPECT_EQ(WriteTraceData(cb, "lost\n"), -1);
   EXPECT_EQ(cb->FatalError, 1);
   EXPECT_NE(ErrorFileText(dir).find("Operation : fputs\n"), std::string::npos);
@@ -266,15 +266,15 @@ TEST_F(TraceFileBuffer, WritingWithNoFileOpenIsRefused) {
 
 TEST_F(TraceFileBuffer, ProgressMarkIsShownAndRaised) {
   Open();
-  cb->ProgressMark = cb->CurrentFileSize + 3;
-  int64_t mark = cb->ProgressMark;
+  cb->File.ProgressMark = cb->File.CurrentFileSize + 3;
+  int64_t mark = cb->File.ProgressMark;
   ::testing::internal::CaptureStdout();
   ASSERT_EQ(WriteTraceData(cb, "ab"), 0); // reaches the mark, does not pass it
   ASSERT_EQ(WriteTraceData(cb, "cd"), 0); // passes it
   fflush(stdout);
   std::string shown = ::testing::internal::GetCapturedStdout();
   EXPECT_EQ(shown, "<" + std::to_string(mark / 1000000) + "MB>");
-  EXPECT_EQ(cb->ProgressMark, mark + 10000000);
+  EXPECT_EQ(cb->File.ProgressMark, mark + 10000000);
 }
 
 } // namespace

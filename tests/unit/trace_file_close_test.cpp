@@ -60,8 +60,8 @@ TEST_F(TraceFileClose, CloseRenamesToTxtAndResetsTheCounters) {
   ASSERT_EQ(SetDataToWriteBuffer(cb, "last words\n"), 0);
   CloseAndCompressFile(cb, nullptr);
   EXPECT_EQ(TraceFileIsOpen(cb), 0);
-  EXPECT_EQ(cb->FileDescriptor, 0);
-  EXPECT_EQ(cb->CurrentFileSize, 0);
+  EXPECT_EQ(cb->File.FileDescriptor, 0);
+  EXPECT_EQ(cb->File.CurrentFileSize, 0);
   EXPECT_EQ(cb->WriteBufferFill, 0);
   EXPECT_EQ(cb->WriteBuffer[0], '\0');
   EXPECT_FALSE(FileExists(Path(TEST_STEM "001.t")));
@@ -76,11 +76,11 @@ TEST_F(TraceFileClose, SuffixFollowsTxt) {
 }
 
 TEST_F(TraceFileClose, CloseWithoutAFileOnlyResetsTheCounters) {
-  cb->CurrentFileSize = 1234;
+  cb->File.CurrentFileSize = 1234;
   cb->WriteBufferFill = 5;
   cb->WriteBuffer[0] = 'x';
   CloseAndCompressFile(cb, nullptr);
-  EXPECT_EQ(cb->CurrentFileSize, 0);
+  EXPECT_EQ(cb->File.CurrentFileSize, 0);
   EXPECT_EQ(cb->WriteBufferFill, 0);
   EXPECT_EQ(cb->WriteBuffer[0], '\0');
   EXPECT_TRUE(dir.List().empty());
@@ -88,9 +88,9 @@ TEST_F(TraceFileClose, CloseWithoutAFileOnlyResetsTheCounters) {
 
 TEST_F(TraceFileClose, UnknownAttributeBannerNamesTheContact) {
   Open();
-  cb->UnknownAttributeSeen = 1;
+  cb->File.UnknownAttributeSeen = 1;
   CloseAndCompressFile(cb, nullptr);
-  EXPECT_EQ(cb->UnknownAttributeSeen, 0);
+  EXPECT_EQ(cb->File.UnknownAttributeSeen, 0);
   std::string expected = std::string("\n") + kStars + kStars +
                          "|**\n"
                          "|**   Unknown ZK attribute exists.\n"
@@ -120,9 +120,9 @@ TEST_F(TraceFileClose, ThreadChangeIsNotedAndTheFileKeepsDotT) {
   uint32_t other = WriteOnNewThread(cb);
   ASSERT_NE(other, 0u);
   ASSERT_NE(other, mine);
-  EXPECT_EQ(cb->ThreadChanged, 1);
-  EXPECT_EQ(cb->RecordedThreadId, other);
-  EXPECT_EQ(cb->ThreadId, other);
+  EXPECT_EQ(cb->File.ThreadChanged, 1);
+  EXPECT_EQ(cb->File.RecordedThreadId, other);
+  EXPECT_EQ(cb->Identity.ThreadId, other);
   CloseAndCompressFile(cb, nullptr);
 
   // The file keeps ".t" and is not compressed.
@@ -149,12 +149,12 @@ TEST_F(TraceFileClose, ThreadChangeIsNotedAndTheFileKeepsDotT) {
                       "|**   File extension '.txt' is not set after closing this file.\n" +
                       kStars + "|\n";
   EXPECT_GT(content.find(block), content.find(back));
-  EXPECT_EQ(cb->CurrentFileSize, 0);
+  EXPECT_EQ(cb->File.CurrentFileSize, 0);
 }
 
 TEST_F(TraceFileClose, SuppressedNotesStillKeepDotT) {
   Open();
-  cb->SuppressProcessChangeNotes = 1;
+  cb->File.SuppressProcessChangeNotes = 1;
   ASSERT_NE(WriteOnNewThread(cb), 0u);
   CloseAndCompressFile(cb, nullptr);
   std::string content = ReadWholeFile(Path(TEST_STEM "001.t"));
@@ -168,9 +168,9 @@ TEST_F(TraceFileClose, ThreadChangedFlagIsClearedForTheNextFile) {
   Open();
   ASSERT_NE(WriteOnNewThread(cb), 0u);
   // The switch, back on this thread, closes the old file as ".t".
-  cb->CurrentFileSize = cb->Settings.MaxFileSize + 1;
+  cb->File.CurrentFileSize = cb->Settings.MaxFileSize + 1;
   ASSERT_EQ(SetDataToWriteBuffer(cb, "next\n"), 0);
-  EXPECT_EQ(cb->ThreadChanged, 0);
+  EXPECT_EQ(cb->File.ThreadChanged, 0);
   CloseAndCompressFile(cb, nullptr);
   std::vector<std::string> expected = {TEST_STEM "001.t", TEST_STEM "002.txt"};
   EXPECT_EQ(TraceFileNames(dir), expected);
@@ -185,20 +185,20 @@ TEST_F(TraceFileClose, ProcessChangeIsNoted) {
   ASSERT_GE(child, 0);
   if (child == 0) {
     SetDataToWriteBuffer(cb, "from the child\n");
-    _exit(cb->ThreadChanged == 1 && cb->RecordedProcessId == (int32_t)getpid() ? 0 : 1);
+    _exit(cb->File.ThreadChanged == 1 && cb->File.RecordedProcessId == (int32_t)getpid() ? 0 : 1);
   }
   int status = 0;
   ASSERT_EQ(waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFEXITED(status));
   EXPECT_EQ(WEXITSTATUS(status), 0);
-  std::string content = ReadWholeFile(cb->TraceFilePath);
+  std::string content = ReadWholeFile(cb->File.TraceFilePath);
   std::string line = "|  Process id (real) has been changed from " + std::to_string(parent) +
                      " to " + std::to_string((uint32_t)child) + ".\n";
   size_t note = content.find(line);
   ASSERT_NE(note, std::string::npos) << content;
   EXPECT_GT(content.find("from the child\n"), note);
   // The parent's own block saw no change.
-  EXPECT_EQ(cb->ThreadChanged, 0);
+  EXPECT_EQ(cb->File.ThreadChanged, 0);
   CloseAndCompressFile(cb, nullptr);
   EXPECT_TRUE(FileExists(Path(TEST_STEM "001.txt")));
 }
@@ -206,10 +206,10 @@ TEST_F(TraceFileClose, ProcessChangeIsNoted) {
 TEST_F(TraceFileClose, FirstIdentifiersAreRecordedWithoutANote) {
   cb->Settings.WriteCache = 0;
   ASSERT_EQ(SetDataToWriteBuffer(cb, "first\n"), 0);
-  EXPECT_EQ(cb->RecordedProcessId, (int32_t)getpid());
-  EXPECT_EQ(cb->RecordedThreadId, SelfId());
-  EXPECT_EQ(cb->ThreadChanged, 0);
-  EXPECT_EQ(ReadWholeFile(cb->TraceFilePath).find("has been changed"), std::string::npos);
+  EXPECT_EQ(cb->File.RecordedProcessId, (int32_t)getpid());
+  EXPECT_EQ(cb->File.RecordedThreadId, SelfId());
+  EXPECT_EQ(cb->File.ThreadChanged, 0);
+  EXPECT_EQ(ReadWholeFile(cb->File.TraceFilePath).find("has been changed"), std::string::npos);
 }
 
 TEST_F(TraceFileClose, CompressCommandRunsOnTheDoubleTxtFile) {
@@ -218,7 +218,7 @@ TEST_F(TraceFileClose, CompressCommandRunsOnTheDoubleTxtFile) {
   Open();
   ASSERT_EQ(SetDataToWriteBuffer(cb, "content to be compressed\n"), 0);
   CloseAndCompressFile(cb, nullptr);
-  EXPECT_EQ(cb->CurrentFileSize, 0);
+  EXPECT_EQ(cb->File.CurrentFileSize, 0);
   std::string compressed = Path(TEST_STEM "001.txt.txt.gz");
   ASSERT_TRUE(WaitFor(compressed, Path(TEST_STEM "001.txt.txt")));
   EXPECT_FALSE(FileExists(Path(TEST_STEM "001.txt")));
@@ -351,7 +351,7 @@ TEST_F(TraceFileClose, FailedCloseRenameIsSilentAndKeepsTheCounters) {
   CloseAndCompressFile(cb, nullptr);
   EXPECT_EQ(TraceFileIsOpen(cb), 0);
   EXPECT_TRUE(FileExists(Path(TEST_STEM "001.t")));
-  EXPECT_GT(cb->CurrentFileSize, 0);
+  EXPECT_GT(cb->File.CurrentFileSize, 0);
   EXPECT_EQ(ErrorFileText(dir), "");
   RemoveBlockingDirectory(blocker);
 }

@@ -34,61 +34,61 @@ TEST(TraceFileNameMap, TranslatesOnlyTheGivenLength) {
 
 TEST_F(TraceFileNames, FirstTextOpensTheFirstFile) {
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "001.t"));
   EXPECT_TRUE(FileExists(Path(TEST_STEM "001.t")));
-  EXPECT_EQ(cb->FileSequenceNumber, 1);
+  EXPECT_EQ(cb->File.FileSequenceNumber, 1);
   EXPECT_EQ(TraceFileIsOpen(cb), 1);
-  EXPECT_EQ(cb->NewFileOpened, 1);
+  EXPECT_EQ(cb->File.NewFileOpened, 1);
 }
 
 TEST_F(TraceFileNames, QueueManagerNameIsMappedAndDotKept) {
-  snprintf(cb->QMgrName, sizeof cb->QMgrName, "QM.A/B c");
+  snprintf(cb->Identity.QMgrName, sizeof cb->Identity.QMgrName, "QM.A/B c");
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path("wz_QM.A_B_c_app_4242_7_001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path("wz_QM.A_B_c_app_4242_7_001.t"));
 }
 
 TEST_F(TraceFileNames, EmptyQueueManagerNameGivesClient) {
-  cb->QMgrName[0] = '\0';
+  cb->Identity.QMgrName[0] = '\0';
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path("wz_client_app_4242_7_001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path("wz_client_app_4242_7_001.t"));
 }
 
 TEST_F(TraceFileNames, ProcessNameIsNotMapped) {
-  snprintf(cb->ProcessName, sizeof cb->ProcessName, "my-app+1");
-  cb->ZkaxcProcessId = 12;
-  cb->ZkaxcThreadId = 345;
+  snprintf(cb->Identity.ProcessName, sizeof cb->Identity.ProcessName, "my-app+1");
+  cb->Identity.ZkaxcProcessId = 12;
+  cb->Identity.ZkaxcThreadId = 345;
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path("wz_ZKQM1_my-app+1_12_345_001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path("wz_ZKQM1_my-app+1_12_345_001.t"));
 }
 
 TEST_F(TraceFileNames, PerformanceOnlyNamesPerfAndForcesSummaryOnly) {
   cb->Settings.ShowPerformanceOnly = 1;
   cb->Settings.ShowSummaryOnly = 0;
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "perf_001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "perf_001.t"));
   EXPECT_EQ(cb->Settings.ShowSummaryOnly, 1);
 }
 
 TEST_F(TraceFileNames, SummaryOnlyNamesSummary) {
   cb->Settings.ShowSummaryOnly = 1;
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "summary_001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "summary_001.t"));
 }
 
 TEST_F(TraceFileNames, SequenceBelowThousandHasThreeDigitsAndAboveIsInFull) {
   int64_t size = -1;
-  cb->FileSequenceNumber = 5;
+  cb->File.FileSequenceNumber = 5;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "006.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "006.t"));
   EXPECT_EQ(size, 0);
-  cb->FileSequenceNumber = 98;
+  cb->File.FileSequenceNumber = 98;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "099.t"));
-  cb->FileSequenceNumber = 999;
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "099.t"));
+  cb->File.FileSequenceNumber = 999;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "1000.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "1000.t"));
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "1001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "1001.t"));
 }
 
 TEST_F(TraceFileNames, CheckFileExistenceTellsExactPrefixAndNone) {
@@ -104,7 +104,7 @@ TEST_F(TraceFileNames, CheckFileExistenceTellsExactPrefixAndNone) {
 }
 
 TEST_F(TraceFileNames, CheckFileExistenceFailsWithoutDirectory) {
-  snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s/gone/", dir.Path().c_str());
+  snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s/gone/", dir.Path().c_str());
   int64_t size = 0;
   EXPECT_EQ(CheckFileExistence(cb, "abc", &size), -1);
 }
@@ -113,7 +113,7 @@ TEST_F(TraceFileNames, OpenFileOfANumberIsSkipped) {
   dir.Write(TEST_STEM "001.t", "another writer");
   int64_t size = -1;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "002.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "002.t"));
   EXPECT_EQ(size, 0);
   EXPECT_EQ(dir.Read(TEST_STEM "001.t"), "another writer");
 }
@@ -122,7 +122,7 @@ TEST_F(TraceFileNames, CompressedFileOfANumberIsSkipped) {
   dir.Write(TEST_STEM "001.txt.txt.gz", "zz");
   int64_t size = -1;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "002.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "002.t"));
   EXPECT_TRUE(FileExists(Path(TEST_STEM "001.txt.txt.gz")));
 }
 
@@ -130,9 +130,9 @@ TEST_F(TraceFileNames, ClosedFileOfANumberIsReopened) {
   dir.Write(TEST_STEM "001.txt", "0123456789");
   int64_t size = -1;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "001.t"));
   EXPECT_EQ(size, 10);
-  EXPECT_EQ(cb->CurrentFileSize, 10);
+  EXPECT_EQ(cb->File.CurrentFileSize, 10);
   EXPECT_FALSE(FileExists(Path(TEST_STEM "001.txt")));
   EXPECT_EQ(dir.Read(TEST_STEM "001.t"), "0123456789");
 }
@@ -142,7 +142,7 @@ TEST_F(TraceFileNames, OtherNamesDoNotCount) {
   dir.Write("wz_ZKQM2_app_4242_7_001.t", "other queue manager");
   int64_t size = -1;
   ASSERT_EQ(GenerateNewFileName(cb, &size), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "001.t"));
   EXPECT_EQ(size, 0);
 }
 

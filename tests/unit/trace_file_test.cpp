@@ -34,7 +34,7 @@ TEST_F(TraceFileSwitch, EveryLargeTextOpensANewFile) {
   for (const char *marker : markers) {
     ASSERT_EQ(SetDataToWriteBuffer(cb, Text(marker, 600000).c_str()), 0);
   }
-  EXPECT_EQ(cb->FileSequenceNumber, 3);
+  EXPECT_EQ(cb->File.FileSequenceNumber, 3);
   std::vector<std::string> expected = {TEST_STEM "001.txt", TEST_STEM "002.txt", TEST_STEM "003.t"};
   ASSERT_EQ(TraceFileNames(dir), expected);
   for (int i = 0; i < 3; i++) {
@@ -53,53 +53,53 @@ TEST_F(TraceFileSwitch, SwitchOnlyWhenTheTextWouldPassMaxFileSize) {
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
   ASSERT_EQ(FlushTraceDataInBuffer(cb), 0);
   // Fill the file up to exactly MaxFileSize: no switch yet.
-  std::string text = Text("<fill>", (size_t)(cb->Settings.MaxFileSize - cb->CurrentFileSize));
+  std::string text = Text("<fill>", (size_t)(cb->Settings.MaxFileSize - cb->File.CurrentFileSize));
   ASSERT_EQ(SetDataToWriteBuffer(cb, text.c_str()), 0);
-  EXPECT_EQ(cb->CurrentFileSize, cb->Settings.MaxFileSize);
-  EXPECT_EQ(cb->FileSequenceNumber, 1);
+  EXPECT_EQ(cb->File.CurrentFileSize, cb->Settings.MaxFileSize);
+  EXPECT_EQ(cb->File.FileSequenceNumber, 1);
   // Any more would pass it.
   ASSERT_EQ(SetDataToWriteBuffer(cb, "<over>"), 0);
-  EXPECT_EQ(cb->FileSequenceNumber, 2);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "002.t"));
+  EXPECT_EQ(cb->File.FileSequenceNumber, 2);
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "002.t"));
   std::string first = ReadWholeFile(Path(TEST_STEM "001.txt"));
   EXPECT_GE((long long)first.size(), (long long)cb->Settings.MaxFileSize);
   EXPECT_NE(first.find(text), std::string::npos);
   EXPECT_EQ(first.find("<over>"), std::string::npos);
   ASSERT_EQ(FlushTraceDataInBuffer(cb), 0);
-  EXPECT_NE(ReadWholeFile(cb->TraceFilePath).find("<over>"), std::string::npos);
+  EXPECT_NE(ReadWholeFile(cb->File.TraceFilePath).find("<over>"), std::string::npos);
 }
 
 TEST_F(TraceFileSwitch, NoSwitchWhileRotationIsNotPermitted) {
   cb->Settings.MaxFileSize = 1000000;
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  cb->RotationPermitted = 0;
+  cb->File.RotationPermitted = 0;
   ASSERT_EQ(SetDataToWriteBuffer(cb, Text("<a>", 600000).c_str()), 0);
   ASSERT_EQ(SetDataToWriteBuffer(cb, Text("<b>", 600000).c_str()), 0);
-  EXPECT_EQ(cb->FileSequenceNumber, 1);
-  EXPECT_GT(cb->CurrentFileSize, cb->Settings.MaxFileSize);
+  EXPECT_EQ(cb->File.FileSequenceNumber, 1);
+  EXPECT_GT(cb->File.CurrentFileSize, cb->Settings.MaxFileSize);
   // The next permitted text switches.
-  cb->RotationPermitted = 1;
+  cb->File.RotationPermitted = 1;
   ASSERT_EQ(SetDataToWriteBuffer(cb, "-"), 0);
-  EXPECT_EQ(cb->FileSequenceNumber, 2);
+  EXPECT_EQ(cb->File.FileSequenceNumber, 2);
   std::string first = ReadWholeFile(Path(TEST_STEM "001.txt"));
   EXPECT_NE(first.find(Text("<a>", 600000) + Text("<b>", 600000)), std::string::npos);
 }
 
 TEST_F(TraceFileSwitch, EmptyTextOnlyChecksTheFile) {
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  int64_t size = cb->CurrentFileSize;
+  int64_t size = cb->File.CurrentFileSize;
   int32_t fill = cb->WriteBufferFill;
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(cb->CurrentFileSize, size);
+  EXPECT_EQ(cb->File.CurrentFileSize, size);
   EXPECT_EQ(cb->WriteBufferFill, fill);
-  EXPECT_EQ(cb->FileSequenceNumber, 1);
+  EXPECT_EQ(cb->File.FileSequenceNumber, 1);
 }
 
 TEST_F(TraceFileSwitch, BytesWrittenFollowTheFileSize) {
   ASSERT_EQ(SetDataToWriteBuffer(cb, "one line\n"), 0);
   ASSERT_EQ(WriteTraceData(cb, "another line\n"), 0);
   ASSERT_EQ(FlushTraceDataInBuffer(cb), 0);
-  EXPECT_EQ(cb->CurrentFileSize, SizeOfFile(cb->TraceFilePath));
+  EXPECT_EQ(cb->File.CurrentFileSize, SizeOfFile(cb->File.TraceFilePath));
 }
 
 TEST_F(TraceFileSwitch, SequenceNumbersKeepRisingAcrossSwitches) {
@@ -111,16 +111,16 @@ TEST_F(TraceFileSwitch, SequenceNumbersKeepRisingAcrossSwitches) {
     unlink(Path(name).c_str());
   }
   // Number 001 is free again, but the block goes on counting.
-  cb->CurrentFileSize = cb->Settings.MaxFileSize + 1;
+  cb->File.CurrentFileSize = cb->Settings.MaxFileSize + 1;
   ASSERT_EQ(SetDataToWriteBuffer(cb, "after\n"), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "003.t"));
-  EXPECT_EQ(cb->FileSequenceNumber, 3);
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "003.t"));
+  EXPECT_EQ(cb->File.FileSequenceNumber, 3);
 }
 
 TEST_F(TraceFileSwitch, MaxFileSizeSwitchClosesOldAsTxtAndOpensNext) {
   cb->Settings.MaxFileSize = 1000000;
   ASSERT_EQ(SetDataToWriteBuffer(cb, "small\n"), 0);
-  std::string first = cb->TraceFilePath;
+  std::string first = cb->File.TraceFilePath;
   ASSERT_EQ(SetDataToWriteBuffer(cb, Text("<big>", 999990).c_str()), 0);
   EXPECT_FALSE(FileExists(first));
   std::string closed = ReadWholeFile(Path(TEST_STEM "001.txt"));
@@ -133,15 +133,15 @@ TEST_F(TraceFileSwitch, ClosedFileOneIsReopenedAndContinued) {
   const std::string old = "old content of file one\n";
   dir.Write(TEST_STEM "001.txt", old);
   ASSERT_EQ(SetDataToWriteBuffer(cb, ""), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "001.t"));
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "001.t"));
   EXPECT_FALSE(FileExists(Path(TEST_STEM "001.txt")));
-  EXPECT_EQ(cb->FileReopened, 1);
+  EXPECT_EQ(cb->File.FileReopened, 1);
   ASSERT_EQ(SetDataToWriteBuffer(cb, "new line\n"), 0);
   ASSERT_EQ(FlushTraceDataInBuffer(cb), 0);
   // The count started from the old size.
-  EXPECT_EQ(cb->CurrentFileSize, SizeOfFile(cb->TraceFilePath));
+  EXPECT_EQ(cb->File.CurrentFileSize, SizeOfFile(cb->File.TraceFilePath));
   CloseAndCompressFile(cb, nullptr);
-  EXPECT_EQ(cb->FileReopened, 0);
+  EXPECT_EQ(cb->File.FileReopened, 0);
   std::string content = ReadWholeFile(Path(TEST_STEM "001.txt"));
   EXPECT_EQ(content.rfind(old, 0), 0u);
   size_t added = content.find("new line\n");
@@ -159,8 +159,8 @@ TEST_F(TraceFileSwitch, ClosedFileOneIsReopenedAndContinued) {
 TEST_F(TraceFileSwitch, EmptyClosedFileIsReopenedWithoutTheReopenedNote) {
   dir.Write(TEST_STEM "001.txt", "");
   ASSERT_EQ(SetDataToWriteBuffer(cb, "text\n"), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "001.t"));
-  EXPECT_EQ(cb->FileReopened, 0);
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "001.t"));
+  EXPECT_EQ(cb->File.FileReopened, 0);
   CloseAndCompressFile(cb, nullptr);
   EXPECT_EQ(ReadWholeFile(Path(TEST_STEM "001.txt")).find("was reopened"), std::string::npos);
 }
@@ -168,8 +168,8 @@ TEST_F(TraceFileSwitch, EmptyClosedFileIsReopenedWithoutTheReopenedNote) {
 TEST_F(TraceFileSwitch, OnlyACompressedFileOneGivesNumberTwo) {
   dir.Write(TEST_STEM "001.txt.txt.gz", "compressed");
   ASSERT_EQ(SetDataToWriteBuffer(cb, "text\n"), 0);
-  EXPECT_EQ(std::string(cb->TraceFilePath), Path(TEST_STEM "002.t"));
-  EXPECT_EQ(cb->FileReopened, 0);
+  EXPECT_EQ(std::string(cb->File.TraceFilePath), Path(TEST_STEM "002.t"));
+  EXPECT_EQ(cb->File.FileReopened, 0);
 }
 
 TEST_F(TraceFileSwitch, NewFileIsCreatedWithMode0660) {
@@ -178,7 +178,7 @@ TEST_F(TraceFileSwitch, NewFileIsCreatedWithMode0660) {
   umask(saved);
   ASSERT_EQ(result, 0);
   struct stat status;
-  ASSERT_EQ(stat(cb->TraceFilePath, &status), 0);
+  ASSERT_EQ(stat(cb->File.TraceFilePath, &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0660u);
 }
 
@@ -203,7 +203,7 @@ TEST_F(TraceFileSwitch, MissingDirectoryStopsTheTraceWithOpendirMessage) {
   TempDir elsewhere;
   InDirectory inside(elsewhere.Path());
   std::string missing = dir.Path() + "/missing/";
-  snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s", missing.c_str());
+  snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s", missing.c_str());
 
   EXPECT_EQ(SetDataToWriteBuffer(cb, ""), -1);
   EXPECT_EQ(cb->FatalError, 1);
@@ -222,7 +222,7 @@ TEST_F(TraceFileSwitch, MissingDirectoryStopsTheTraceWithOpendirMessage) {
   EXPECT_EQ(FlushTraceDataInBuffer(cb), 0);
   CloseAndCompressFile(cb, nullptr);
   CloseAndCompressFile(cb, ".f");
-  EXPECT_EQ(cb->CurrentFileSize, 0);
+  EXPECT_EQ(cb->File.CurrentFileSize, 0);
   EXPECT_EQ(ErrorFileText(elsewhere), messages); // no further messages
 }
 
@@ -230,7 +230,8 @@ TEST_F(TraceFileSwitch, TraceDirectoryThatIsAFileGivesOpendirMessage) {
   TempDir elsewhere;
   InDirectory inside(elsewhere.Path());
   dir.Write("plain", "not a directory");
-  snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s/plain/", dir.Path().c_str());
+  snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s/plain/",
+           dir.Path().c_str());
   EXPECT_EQ(SetDataToWriteBuffer(cb, "x\n"), -1);
   EXPECT_EQ(cb->FatalError, 1);
   EXPECT_NE(ErrorFileText(elsewhere).find("Operation : opendir\n"), std::string::npos);
@@ -316,11 +317,11 @@ TEST_F(TraceFileSwitch, LinkAtTheClosedNameIsNotFollowed) {
 TEST_F(TraceFileSwitch, LinkRacedInAtTheNewNameIsNotFollowed) {
   std::string target = Path("victim");
   dir.Write("victim", "precious\n");
-  snprintf(cb->TraceFilePath, sizeof cb->TraceFilePath, "%s", Path("planted.t").c_str());
-  ASSERT_EQ(symlink(target.c_str(), cb->TraceFilePath), 0);
-  int fd = OpenExitFile(cb->TraceFilePath, EXIT_FILE_CREATE_NEW);
+  snprintf(cb->File.TraceFilePath, sizeof cb->File.TraceFilePath, "%s", Path("planted.t").c_str());
+  ASSERT_EQ(symlink(target.c_str(), cb->File.TraceFilePath), 0);
+  int fd = OpenExitFile(cb->File.TraceFilePath, EXIT_FILE_CREATE_NEW);
   EXPECT_EQ(fd, -1);
-  EXPECT_EQ(OpenExitFile(cb->TraceFilePath, EXIT_FILE_READ_WRITE), -1);
+  EXPECT_EQ(OpenExitFile(cb->File.TraceFilePath, EXIT_FILE_READ_WRITE), -1);
   EXPECT_EQ(errno, ELOOP);
   EXPECT_EQ(ReadWholeFile(target), "precious\n");
 }

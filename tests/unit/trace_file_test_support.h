@@ -35,25 +35,25 @@ struct TraceFileBlock {
     cb->Settings.WriteInterval = 0;
     cb->Settings.ShowZkVersion = 0; // no version command run by the profile
     cb->WriteBufferSize = bufferSize;
-    snprintf(cb->TraceDirectory, sizeof cb->TraceDirectory, "%s/", directory.c_str());
-    snprintf(cb->QMgrName, sizeof cb->QMgrName, "ZKQM1");
-    snprintf(cb->ProcessName, sizeof cb->ProcessName, "app");
-    snprintf(cb->MakerContact, sizeof cb->MakerContact, TEST_CONTACT);
-    cb->ZkaxcProcessId = 4242;
-    cb->ZkaxcThreadId = 7;
+    snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s/", directory.c_str());
+    snprintf(cb->Identity.QMgrName, sizeof cb->Identity.QMgrName, "ZKQM1");
+    snprintf(cb->Identity.ProcessName, sizeof cb->Identity.ProcessName, "app");
+    snprintf(cb->Identity.MakerContact, sizeof cb->Identity.MakerContact, TEST_CONTACT);
+    cb->Identity.ZkaxcProcessId = 4242;
+    cb->Identity.ZkaxcThreadId = 7;
     cb->ExitType = EXIT_TYPE_API;
     cb->ExecStatus = 1;
-    cb->ApiLevel = API_LEVEL_700;
-    cb->CurrentFileSize = cb->Settings.MaxFileSize + 1;
-    cb->RotationPermitted = 1;
+    cb->Identity.ApiLevel = API_LEVEL_700;
+    cb->File.CurrentFileSize = cb->Settings.MaxFileSize + 1;
+    cb->File.RotationPermitted = 1;
   }
   ~TraceFileBlock() {
     // Leaves the file as it is; the temporary directory removes it.
-    if (cb->FileStream != nullptr) {
-      fclose(cb->FileStream);
+    if (cb->File.FileStream != nullptr) {
+      fclose(cb->File.FileStream);
     }
-    if (cb->FileDescriptor > 0) {
-      close(cb->FileDescriptor);
+    if (cb->File.FileDescriptor > 0) {
+      close(cb->File.FileDescriptor);
     }
     free(cb);
   }
