@@ -10,12 +10,6 @@
 
 namespace {
 
-// Copies at most `maximum` characters of `value`; `target` is zeroed and has
-// room for at least maximum + 1 bytes.
-void CopyCut(char *target, const char *value, size_t maximum) {
-  memcpy(target, value, strnlen(value, maximum));
-}
-
 // 1 when the list can take another entry. A full list drops the line: that
 // is not an error of the line, and the reader reports it (message 2010).
 int32_t ListHasRoom(int32_t count, int32_t *error) {
@@ -68,7 +62,7 @@ void AppendProcessName(char *value, char (*list)[32], int32_t *count, int32_t *e
   }
   StringTrim(value);
   memset(list[*count], 0, sizeof list[*count]);
-  CopyCut(list[*count], value, PARAMETER_PROCESS_NAME_MAX);
+  StringCopyCut(list[*count], value, PARAMETER_PROCESS_NAME_MAX + 1);
   (*count)++;
 }
 
@@ -97,7 +91,7 @@ void SetParmValueTargetQueue(ExitControlBlock *, char *value, ParameterSettings 
   }
   TargetQueueEntry entry;
   memset(&entry, 0, sizeof entry);
-  CopyCut(entry.QueueName, value, PARAMETER_QUEUE_NAME_MAX);
+  StringCopyCut(entry.QueueName, value, PARAMETER_QUEUE_NAME_MAX + 1);
   // A bare name selects every call family; the first flag field starts
   // from none and each field then adds the family of its first letter.
   entry.P = entry.G = entry.I = entry.S = 1;
@@ -136,8 +130,8 @@ void SetParmValueTargetQueue(ExitControlBlock *, char *value, ParameterSettings 
   settings->TargetQueue[settings->TargetQueueCount++] = entry;
 }
 
-void SetParmValuePutAlertSuppress(ExitControlBlock *, char *value,
-                                  ParameterSettings *settings, int32_t *error) {
+void SetParmValuePutAlertSuppress(ExitControlBlock *, char *value, ParameterSettings *settings,
+                                  int32_t *error) {
   if (!ListHasRoom(settings->PutAlertSuppressCount, error)) {
     return;
   }
@@ -151,8 +145,8 @@ void SetParmValuePutAlertSuppress(ExitControlBlock *, char *value,
   }
   entry.CompCode = ReadCodeField(fields[0]);
   entry.Reason = ReadCodeField(fields[1]);
-  CopyCut(entry.ObjectName, fields[3], PARAMETER_QUEUE_NAME_MAX);
-  CopyCut(entry.ProcessName, fields[4], PARAMETER_PROCESS_NAME_MAX);
+  StringCopyCut(entry.ObjectName, fields[3], PARAMETER_QUEUE_NAME_MAX + 1);
+  StringCopyCut(entry.ProcessName, fields[4], PARAMETER_PROCESS_NAME_MAX + 1);
   settings->PutAlertSuppress[settings->PutAlertSuppressCount++] = entry;
 }
 
@@ -171,6 +165,6 @@ void SetParmValueShowSummaryDataSuppress(ExitControlBlock *, char *value,
   }
   entry.CompCode = ReadCodeField(fields[0]);
   entry.Reason = ReadCodeField(fields[1]);
-  CopyCut(entry.ObjectName, fields[3], PARAMETER_QUEUE_NAME_MAX);
+  StringCopyCut(entry.ObjectName, fields[3], PARAMETER_QUEUE_NAME_MAX + 1);
   settings->ShowSummaryDataSuppress[settings->ShowSummaryDataSuppressCount++] = entry;
 }

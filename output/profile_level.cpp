@@ -17,13 +17,6 @@ namespace {
 // Characters of the command's output that are kept.
 #define LEVEL_OUTPUT_MAX 998
 
-// The value, cut to fit `size` bytes with its NUL.
-void CopyValue(char *target, size_t size, const char *value) {
-  size_t length = strnlen(value, size - 1);
-  memcpy(target, value, length);
-  target[length] = '\0';
-}
-
 // One "key: value" line; lines without ":" are not looked at. 1 when the
 // line gave the version.
 int32_t ParseLevelLine(ExitControlBlock *cb, char *line) {
@@ -36,13 +29,13 @@ int32_t ParseLevelLine(ExitControlBlock *cb, char *line) {
   StringTrim(line);
   StringTrim(value);
   if (strcmp(line, "Version") == 0) {
-    CopyValue(cb->Identity.ZkVersion, sizeof cb->Identity.ZkVersion, value);
+    StringCopyCut(cb->Identity.ZkVersion, value, sizeof cb->Identity.ZkVersion);
     return 1;
   }
   if (strcmp(line, "CMVC level") == 0 || strcmp(line, "Level") == 0) {
-    CopyValue(cb->Identity.ZkLevel, sizeof cb->Identity.ZkLevel, value);
+    StringCopyCut(cb->Identity.ZkLevel, value, sizeof cb->Identity.ZkLevel);
   } else if (strcmp(line, "BuildType") == 0) {
-    CopyValue(cb->Identity.ZkBuildType, sizeof cb->Identity.ZkBuildType, value);
+    StringCopyCut(cb->Identity.ZkBuildType, value, sizeof cb->Identity.ZkBuildType);
   }
   return 0;
 }

@@ -7,6 +7,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "text/string_utils.h"
+
 // Exact, case-sensitive names; the first row that matches wins. Besides the
 // common Unix spellings the table knows further names of the Shift-JIS and
 // EUC code sets ("-open" and "cp932" forms).
@@ -171,16 +173,6 @@ const CcsidRangeEntry CcsidRangeTable[] = {
 #undef CR3
 #undef CR4
 
-// Copies src into dst of size bytes, cutting it to fit.
-static void CopyCut(char *dst, const char *src, size_t size) {
-  size_t length = strlen(src);
-  if (length >= size) {
-    length = size - 1;
-  }
-  memcpy(dst, src, length);
-  dst[length] = '\0';
-}
-
 // What setlocale with an empty name resolves for the category, with the
 // category's setting put back afterwards so that the process is unchanged.
 // Returns 0 with the name in localeOut, -1 when the category gives none.
@@ -198,18 +190,18 @@ static int32_t ResolveCategoryLocale(int category, char *localeOut) {
   if (resolved == nullptr) {
     return -1; // a failed setlocale changes nothing
   }
-  CopyCut(localeOut, resolved, LOCALE_NAME_SIZE);
+  StringCopyCut(localeOut, resolved, LOCALE_NAME_SIZE);
   setlocale(category, saved);
   return localeOut[0] != '\0' ? 0 : -1;
 }
 
 char *GetEnvLocale(char *categoryOut, char *localeOut) {
   if (ResolveCategoryLocale(LC_MESSAGES, localeOut) == 0) {
-    CopyCut(categoryOut, "LC_MESSAGES", LOCALE_CATEGORY_SIZE);
+    StringCopyCut(categoryOut, "LC_MESSAGES", LOCALE_CATEGORY_SIZE);
     return localeOut;
   }
   if (ResolveCategoryLocale(LC_ALL, localeOut) == 0) {
-    CopyCut(categoryOut, "LC_ALL", LOCALE_CATEGORY_SIZE);
+    StringCopyCut(categoryOut, "LC_ALL", LOCALE_CATEGORY_SIZE);
     return localeOut;
   }
   categoryOut[0] = '\0';
@@ -222,7 +214,7 @@ char *GetEnvValue(const char *name, char *valueOut, int32_t size) {
     return valueOut;
   }
   const char *value = getenv(name);
-  CopyCut(valueOut, value != nullptr ? value : "", (size_t)size);
+  StringCopyCut(valueOut, value != nullptr ? value : "", (size_t)size);
   return valueOut;
 }
 

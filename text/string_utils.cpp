@@ -154,3 +154,12 @@ int32_t StringCopyFixedField(char *out, const char *field, int32_t width) {
   }
   return StringTrim(out);
 }
+
+void StringCopyCut(char *dst, const char *src, size_t size) {
+  if (size == 0) {
+    return; // no room even for the NUL
+  }
+  size_t length = strnlen(src, size - 1);
+  memcpy(dst, src, length);
+  dst[length] = '\0';
+}

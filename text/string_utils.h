@@ -2,6 +2,7 @@
 // character only; nothing here depends on the locale or allocates memory.
 #pragma once
 
+#include <stddef.h>
 #include <stdint.h>
 
 int32_t StringTrim(char *s);
@@ -26,3 +27,8 @@ int32_t StringCopyFixedField(char *out, const char *field, int32_t width);
 
 // The value StringWordFindByNum returns when there is no such word.
 #define STRING_WORD_NOT_FOUND ((char *)(intptr_t)-1)
+
+// Copies `src` into `dst` of `size` bytes, cut to fit, always with its NUL
+// (a size of 0 writes nothing); `src` is read no further than `size` - 1 bytes, so it need
+// not be terminated.
+void StringCopyCut(char *dst, const char *src, size_t size);

@@ -137,3 +137,20 @@ TEST(StringCopyFixedField, CopiesAndTrimsBlankPaddedField) {
   EXPECT_EQ(StringCopyFixedField(out, field, 12), 5);
   EXPECT_STREQ(out, "alice");
 }
+
+TEST(StringCopyCut, CopiesCutsAndAlwaysTerminates) {
+  char out[6];
+  memset(out, 'x', sizeof out);
+  StringCopyCut(out, "abc", sizeof out);
+  EXPECT_STREQ(out, "abc");
+  StringCopyCut(out, "abcdefgh", sizeof out);
+  EXPECT_STREQ(out, "abcde");
+  const char unterminated[3] = {'p', 'q', 'r'};
+  StringCopyCut(out, unterminated, 3); // reads at most two bytes of it
+  EXPECT_STREQ(out, "pq");
+  StringCopyCut(out, "zz", 1);
+  EXPECT_STREQ(out, "");
+  out[0] = 'k';
+  StringCopyCut(out, "zz", 0); // no room at all: untouched
+  EXPECT_EQ(out[0], 'k');
+}
