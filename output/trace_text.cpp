@@ -63,6 +63,18 @@ void AppendDecimal32(TraceText *t, uint32_t magnitude, bool negative, int32_t wi
   AppendDigits(t, DecimalDigitsBackwards32(end, magnitude), end, negative, width, zeroPad);
 }
 
+// Room for the next piece of an append that did not fit: a full buffer is
+// written out first, or, in a text that is cut, 0 ends the append.
+int32_t RoomForMore(TraceText *t) {
+  if (TraceTextRoom(t) == 0) {
+    if (t->WhenFull == TRACE_TEXT_CUT) {
+      return 0;
+    }
+    TraceTextWrite(t);
+  }
+  return TraceTextRoom(t);
+}
+
 } // namespace
 
 int32_t TraceTextWrite(TraceText *t) {
@@ -75,14 +87,8 @@ int32_t TraceTextWrite(TraceText *t) {
 }
 
 void TraceTextAppendSlow(TraceText *t, const char *bytes, int32_t length) {
-  while (length > 0) {
-    if (TraceTextRoom(t) == 0) {
-      if (t->WhenFull == TRACE_TEXT_CUT) {
-        return;
-      }
-      TraceTextWrite(t);
-    }
-    int32_t room = TraceTextRoom(t);
+  int32_t room;
+  while (length > 0 && (room = RoomForMore(t)) > 0) {
     int32_t n = length < room ? length : room;
     memcpy(t->Buffer + t->Length, bytes, (size_t)n);
     t->Length += n;
@@ -92,14 +98,8 @@ void TraceTextAppendSlow(TraceText *t, const char *bytes, int32_t length) {
 }
 
 void TraceTextAppendRepeatSlow(TraceText *t, char c, int32_t count) {
-  while (count > 0) {
-    if (TraceTextRoom(t) == 0) {
-      if (t->WhenFull == TRACE_TEXT_CUT) {
-        return;
-      }
-      TraceTextWrite(t);
-    }
-    int32_t room = TraceTextRoom(t);
+  int32_t room;
+  while (count > 0 && (room = RoomForMore(t)) > 0) {
     int32_t n = count < room ? count : room;
     memset(t->Buffer + t->Length, c, (size_t)n);
     t->Length += n;
@@ -155,14 +155,8 @@ void TraceTextAppendHex(TraceText *t, uint32_t value) {
 int32_t TraceTextAppendSevenBit(TraceText *t, const void *bytes, int32_t length) {
   const unsigned char *data = (const unsigned char *)bytes;
   int32_t done = 0;
-  while (done < length) {
-    if (TraceTextRoom(t) == 0) {
-      if (t->WhenFull == TRACE_TEXT_CUT) {
-        return done;
-      }
-      TraceTextWrite(t);
-    }
-    int32_t room = TraceTextRoom(t);
+  int32_t room;
+  while (done < length && (room = RoomForMore(t)) > 0) {
     int32_t n = length - done < room ? length - done : room;
     char *out = t->Buffer + t->Length;
     for (int32_t k = 0; k < n; k++) {
