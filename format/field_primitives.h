@@ -19,9 +19,6 @@
 
 struct ExitControlBlock;
 
-// Former name of the platform's ZKENC_INTEGER_REVERSED, kept only while the
-// dump fuzz driver still uses it; the value itself is the zk/defs row.
-#define ZK_ENCODING_INTEGER_REVERSED ZKENC_INTEGER_REVERSED
 // Byte fields shorter than this are shown on one line; longer ones as a dump.
 #define FIELD_SINGLE_LINE_HEX_LIMIT 33
 // A string value goes to separate text lines when its length plus this

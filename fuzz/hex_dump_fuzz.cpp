@@ -597,7 +597,7 @@ void CheckNumbers(CaptureBlock &capture, const Header &h) {
   // Byte order: reversed for an encoding that is set and not "reversed".
   int32_t encoding = (int32_t)high;
   int32_t once = ZklongValueRegardingEncoding(value, encoding);
-  bool swap = encoding != 0 && (encoding & ZK_ENCODING_INTEGER_REVERSED) == 0;
+  bool swap = encoding != 0 && (encoding & ZKENC_INTEGER_REVERSED) == 0;
   FUZZ_CHECK(once == (swap ? (int32_t)bswap_32((uint32_t)value) : value), "%d with encoding %d",
              value, encoding);
   FUZZ_CHECK(ZklongValueRegardingEncoding(once, encoding) == value, "not its own inverse");

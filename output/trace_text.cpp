@@ -175,8 +175,11 @@ int32_t TraceTextAppendSevenBit(TraceText *t, const void *bytes, int32_t length)
 
 void TraceTextAppendFieldName(TraceText *t, const char *name) {
   TraceTextAppendLiteral(t, "|> ");
-  int32_t length = name != nullptr ? (int32_t)strlen(name) : 0;
-  TraceTextAppend(t, name, length);
+  int32_t length = 0;
+  if (name != nullptr) {
+    length = (int32_t)strlen(name);
+    TraceTextAppend(t, name, length);
+  }
   if (length < FIELD_NAME_WIDTH) {
     TraceTextAppendRepeat(t, ' ', FIELD_NAME_WIDTH - length);
   }

@@ -84,9 +84,10 @@ inline void TraceTextAppendString(TraceText *t, const char *text) {
   }
 }
 
-// At most `limit` bytes of a string that may lack its NUL ("%.*s").
+// At most `limit` bytes of a string that may lack its NUL ("%.*s"); null
+// appends nothing.
 inline void TraceTextAppendBounded(TraceText *t, const char *text, int32_t limit) {
-  if (limit > 0) {
+  if (text != nullptr && limit > 0) {
     TraceTextAppend(t, text, (int32_t)strnlen(text, (size_t)limit));
   }
 }
@@ -110,10 +111,13 @@ inline void TraceTextAppendRepeat(TraceText *t, char c, int32_t count) {
 }
 
 // The string left-justified in `width` columns ("%-*s"): blanks follow a
-// shorter one, a longer one is not cut.
+// shorter one, a longer one is not cut. Null counts as empty.
 inline void TraceTextAppendPadded(TraceText *t, const char *text, int32_t width) {
-  int32_t length = text != nullptr ? (int32_t)strlen(text) : 0;
-  TraceTextAppend(t, text, length);
+  int32_t length = 0;
+  if (text != nullptr) {
+    length = (int32_t)strlen(text);
+    TraceTextAppend(t, text, length);
+  }
   if (length < width) {
     TraceTextAppendRepeat(t, ' ', width - length);
   }

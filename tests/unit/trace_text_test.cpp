@@ -51,6 +51,7 @@ TEST(TraceText, BoundedStopsAtTheLimitOrTheFirstZeroByte) {
   TraceTextAppendChar(&t, '|');
   TraceTextAppendBounded(&t, "ab\0cd", 5);
   TraceTextAppendBounded(&t, "ignored", 0);
+  TraceTextAppendBounded(&t, nullptr, 5);
   EXPECT_EQ(Held(&t), "WXY|ab");
 }
 
@@ -66,6 +67,11 @@ TEST(TraceText, PaddedAgreesWithPrintfLeftJustified) {
     snprintf(expected, sizeof expected, "%-8s|", s);
     EXPECT_EQ(Held(&t), expected);
   }
+  CaptureBlock capture;
+  TraceText t;
+  TraceTextStart(&t, capture.cb(), TRACE_TEXT_CUT);
+  TraceTextAppendPadded(&t, nullptr, 3);
+  EXPECT_EQ(Held(&t), "   ");
 }
 
 TEST(TraceText, NumbersAgreeWithPrintf) {
