@@ -114,6 +114,9 @@ struct RecordClock {
   time_t StampSecond;
   int32_t StampPrefixLength; // 0: nothing kept yet
   char StampPrefix[72];
+  // The one clock reading of the current exit call (see ReadCallClock).
+  struct timeval CallTime;
+  uint8_t CallTimeRead; // CallTime holds this call's reading
 };
 
 // Call counting and summaries.

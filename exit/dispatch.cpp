@@ -5,6 +5,7 @@
 
 #include "config/update_requests.h"
 #include "exit/control_block.h"
+#include "output/timing.h"
 #include "exit/handle_list.h"
 #include "text/string_utils.h"
 
@@ -95,6 +96,7 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
                                 const ZKLONG *, const ZKHOBJ *pHobj, const char *objectName48) {
   int32_t function = axp->Function;
   int32_t exitReason = axp->ExitReason;
+  ForgetCallClock(cb);
   cb->Call.CurrentFunction = function;
   cb->Call.CurrentExitReason = exitReason;
   cb->Call.CurrentCompCode = pCompCode != nullptr ? *pCompCode : 0;
@@ -130,7 +132,7 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
   }
   int32_t interval = cb->Settings.CheckUpdateRequestInterval;
   if (interval > 0) {
-    time_t now = time(nullptr);
+    time_t now = CallClockSeconds(cb);
     // Compared as a difference in 64 bits: any interval the file gives is
     // safe to add.
     if ((int64_t)now - (int64_t)cb->LastUpdateCheck >= (int64_t)interval) {

@@ -224,6 +224,7 @@ void TerminateConnection(PZKAXP pExitParms, PZKLONG pCompCode, PZKLONG pReason) 
   if (cb == nullptr) {
     return;
   }
+  ForgetCallClock(cb);
   if (cb->ExecStatus == 1) {
     PutHeaderRecord(cb, pExitParms->Function, pExitParms->ExitReason, *pCompCode, *pReason, nullptr,
                     nullptr);

@@ -12,6 +12,7 @@
 
 #include "exit/control_block.h"
 #include "output/trace_text.h"
+#include "text/number_text.h"
 
 #define HEX_SAME16(c) c, c, c, c, c, c, c, c, c, c, c, c, c, c, c, c
 #define HEX_DIGITS16 '0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'
@@ -56,13 +57,23 @@ namespace {
 #define DUMP_TITLE_SIZE 512
 
 // Eight upper-case hex digits of a 32-bit value.
-char *PutOffset(char *p, uint32_t value) {
-  for (int32_t shift = 24; shift >= 0; shift -= 8) {
-    uint8_t b = (uint8_t)(value >> shift);
-    *p++ = GraphicHexUpper4Bits[b];
-    *p++ = GraphicHexLower4Bits[b];
-  }
-  return p;
+inline char *PutOffset(char *p, uint32_t value) {
+  memcpy(p, HexDigitPair((uint8_t)(value >> 24)), 2);
+  memcpy(p + 2, HexDigitPair((uint8_t)(value >> 16)), 2);
+  memcpy(p + 4, HexDigitPair((uint8_t)(value >> 8)), 2);
+  memcpy(p + 6, HexDigitPair((uint8_t)value), 2);
+  return p + 8;
+}
+
+// 1 when the 16 bytes at `a` and `b` are the same (two 8-byte compares,
+// without a call).
+inline bool SameLine(const uint8_t *a, const uint8_t *b) {
+  uint64_t a0, a1, b0, b1;
+  memcpy(&a0, a, 8);
+  memcpy(&a1, a + 8, 8);
+  memcpy(&b0, b, 8);
+  memcpy(&b1, b + 8, 8);
+  return ((a0 ^ b0) | (a1 ^ b1)) == 0;
 }
 
 // The bytes of a character not yet complete: they are written once the
@@ -86,7 +97,8 @@ char *PutPendingAsDots(char *p, PendingCharacter *pending) {
 // character. A byte that no pattern takes turns the pending bytes and itself
 // into dots.
 char *PutCharacterByte(char *p, const CodeRangeMap *map, PendingCharacter *pending, uint8_t b) {
-  int32_t step = CodeRangeStep(map, pending->bytes, pending->count, b);
+  int32_t step = pending->count == 0 ? map->firstStep[b]
+                                     : CodeRangeStep(map, pending->bytes, pending->count, b);
   if (step == CODE_RANGE_REJECTED) {
     p = PutPendingAsDots(p, pending);
     *p++ = '.';
@@ -98,6 +110,53 @@ char *PutCharacterByte(char *p, const CodeRangeMap *map, PendingCharacter *pendi
     pending->count = 0;
   } else {
     pending->bytes[pending->count++] = b;
+  }
+  return p;
+}
+
+// The character column of `count` bytes. While no character is pending, a
+// byte is decided by one look-up: itself, a dot, or the start of a longer
+// character, which the walk above then follows.
+char *PutCharacters(char *p, const CodeRangeMap *map, PendingCharacter *pending,
+                    const uint8_t *bytes, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    uint8_t b = bytes[i];
+    int32_t step = map->firstStep[b];
+    if (pending->count == 0 && step != CODE_RANGE_CONTINUES) {
+      *p++ = step == CODE_RANGE_COMPLETE ? (char)b : '.';
+    } else {
+      p = PutCharacterByte(p, map, pending, b);
+    }
+  }
+  return p;
+}
+
+// The hex part of a line: 16 bytes as digit pairs, a blank after every
+// fourth byte; a short last line is padded with blanks to the full width.
+char *PutHexPart(char *p, const uint8_t *bytes, int32_t count) {
+  if (count == DUMP_BYTES_PER_LINE) {
+    for (int32_t group = 0; group < 4; group++) {
+      memcpy(p, HexDigitPair(bytes[0]), 2);
+      memcpy(p + 2, HexDigitPair(bytes[1]), 2);
+      memcpy(p + 4, HexDigitPair(bytes[2]), 2);
+      memcpy(p + 6, HexDigitPair(bytes[3]), 2);
+      p[8] = ' ';
+      p += 9;
+      bytes += 4;
+    }
+    return p;
+  }
+  for (int32_t i = 0; i < DUMP_BYTES_PER_LINE; i++) {
+    if (i < count) {
+      memcpy(p, HexDigitPair(bytes[i]), 2);
+    } else {
+      p[0] = ' ';
+      p[1] = ' ';
+    }
+    p += 2;
+    if ((i & 3) == 3) {
+      *p++ = ' ';
+    }
   }
   return p;
 }
@@ -114,18 +173,7 @@ char *PutDumpLine(char *p, const ExitControlBlock *cb, const uint8_t *bytes, int
   }
   p = PutOffset(p, offset);
   *p++ = ':';
-  for (int32_t i = 0; i < DUMP_BYTES_PER_LINE; i++) {
-    if (i < count) {
-      *p++ = GraphicHexUpper4Bits[bytes[i]];
-      *p++ = GraphicHexLower4Bits[bytes[i]];
-    } else {
-      *p++ = ' ';
-      *p++ = ' ';
-    }
-    if ((i & 3) == 3) {
-      *p++ = ' ';
-    }
-  }
+  p = PutHexPart(p, bytes, count);
   if (!characters) {
     *p++ = '\n';
     return p;
@@ -137,9 +185,7 @@ char *PutDumpLine(char *p, const ExitControlBlock *cb, const uint8_t *bytes, int
     // completed by the bytes after them.
     p = PutPendingAsDots(p, pending);
   }
-  for (int32_t i = 0; i < count; i++) {
-    p = PutCharacterByte(p, &cb->CodeRange, pending, bytes[i]);
-  }
+  p = PutCharacters(p, &cb->CodeRange, pending, bytes, count);
   if (lastLine) {
     p = PutPendingAsDots(p, pending); // a character the data cuts off
   }
@@ -214,7 +260,7 @@ void PutHexDataLen(ExitControlBlock *cb, const char *title, const void *address,
         count = DUMP_BYTES_PER_LINE;
       }
       if (collapse && offset > 0 && !lastLine &&
-          memcmp(bytes + offset, bytes + offset - DUMP_BYTES_PER_LINE, DUMP_BYTES_PER_LINE) == 0) {
+          SameLine(bytes + offset, bytes + offset - DUMP_BYTES_PER_LINE)) {
         if (skippedFrom < 0) {
           skippedFrom = offset;
         }

@@ -103,27 +103,32 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
   *elapsed = 0;
   bool apiExit = cb->ExitType != EXIT_TYPE_CHANNEL;
 
+  // One clock reading serves the whole record: the file checks, the time
+  // stamp and the elapsed time.
+  struct timeval now;
+  ReadCallClock(cb);
+
   // Only a before-call may start a new file, so that the records before and
-  // after one call always share a file.
+  // after one call always share a file. The file checks count only the
+  // record's first line ("-"): the file is switched when that would not fit.
   if (apiExit) {
     cb->File.RotationPermitted =
         (exitReason == ZKXR_AFTER || function == ZKXF_DATA_CONV_ON_GET) ? 0 : 1;
   } else {
     cb->File.RotationPermitted = 1;
   }
-  int32_t status = SetDataToWriteBuffer(cb, "-");
+  int32_t status = PrepareTraceFile(cb, 1);
   cb->File.RotationPermitted = 0;
 
   // A header is a few lines of names, numbers and a time: it always fits.
   TraceText text;
   TraceTextStart(&text, cb, TRACE_TEXT_CUT);
-  TraceTextAppendChar(&text, '\n');
+  TraceTextAppendLiteral(&text, "-\n");
   bool numbered = apiExit ? (exitReason == ZKXR_BEFORE && function != ZKXF_DATA_CONV_ON_GET)
                           : (exitReason != ZKXR_INIT && exitReason != ZKXR_TERM);
   if (numbered) {
     AppendSequenceLines(cb, &text);
   }
-  struct timeval now;
   int32_t stampLength = SetRecordTimeAndShow(cb, &now);
   TraceTextAppend(&text, cb->Clock.RecordTimeText, stampLength);
   TraceTextAppendChar(&text, '\n');

@@ -3,6 +3,7 @@
 #include <time.h>
 
 #include "exit/control_block.h"
+#include "output/timing.h"
 #include "output/summary.h"
 #include "output/trace_file.h"
 
@@ -36,7 +37,7 @@ void ShowPerformanceSummary(ExitControlBlock *cb) {
   }
 
   if (settings.ShowPerformanceIntervalTime >= 1) {
-    time_t now = time(nullptr);
+    time_t now = CallClockSeconds(cb);
     if (cb->Counters.LastIntervalTime == 0) {
       cb->Counters.LastIntervalTime = now;
     } else if ((int64_t)now - (int64_t)cb->Counters.LastIntervalTime >=

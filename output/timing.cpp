@@ -67,7 +67,7 @@ void SetTimeAndShow(struct timeval *now, char *text) {
 }
 
 int32_t SetRecordTimeAndShow(ExitControlBlock *cb, struct timeval *now) {
-  gettimeofday(now, nullptr);
+  *now = *ReadCallClock(cb);
   if (cb->Clock.StampPrefixLength == 0 || cb->Clock.StampSecond != now->tv_sec) {
     struct tm local;
     time_t seconds = now->tv_sec;
@@ -115,11 +115,11 @@ void SetConnectionStartTime(ExitControlBlock *cb) {
 }
 
 void setTimeBeforeApiCall(ExitControlBlock *cb) {
-  gettimeofday(&cb->Clock.ApiBeforeTime, nullptr);
+  cb->Clock.ApiBeforeTime = *ReadCallClock(cb);
 }
 
 void SetTimeBeforeApiCallXa(ExitControlBlock *cb) {
-  gettimeofday(&cb->Clock.XaBeforeTime, nullptr);
+  cb->Clock.XaBeforeTime = *ReadCallClock(cb);
 }
 
 void ReformatProcessTime(char *text, int32_t, int64_t microseconds) {

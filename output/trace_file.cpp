@@ -24,6 +24,7 @@
 #include "output/process_id.h"
 #include "output/profile.h"
 #include "output/summary.h"
+#include "output/timing.h"
 #include "output/trace_text.h"
 
 namespace {
@@ -101,7 +102,7 @@ int32_t SwitchTraceFile(ExitControlBlock *cb) {
   }
   cb->WriteBufferFill = 0;
   // The first write interval runs from the opening of the file.
-  cb->File.LastFlushTime = time(nullptr);
+  cb->File.LastFlushTime = CallClockSeconds(cb);
   cb->File.RecordedProcessId = CurrentProcessId();
   cb->File.RecordedThreadId = CurrentThreadId();
   // The profile banner of a reopened file sets this too; the closing note
@@ -246,23 +247,30 @@ void NoteProcessOrThreadChange(ExitControlBlock *cb) {
   cb->File.ThreadChanged = 1;
 }
 
-int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text) {
+int32_t PrepareTraceFile(ExitControlBlock *cb, int64_t length) {
   if (cb == nullptr) {
     return -1;
   }
   if (cb->FatalError != 0) {
     return -1; // writing stopped for good at the failure
   }
-  if (text == nullptr) {
-    text = "";
-  }
   NoteProcessOrThreadChange(cb);
-  int64_t length = (int64_t)strlen(text);
   if (cb->File.RotationPermitted != 0 && cb->Settings.MaxFileSize > 0 &&
       cb->Settings.MaxFileSize < cb->File.CurrentFileSize + length) {
     if (SwitchTraceFile(cb) != 0) {
       return -1;
     }
+  }
+  return 0;
+}
+
+int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text) {
+  if (text == nullptr) {
+    text = "";
+  }
+  int64_t length = (int64_t)strlen(text);
+  if (PrepareTraceFile(cb, length) != 0) {
+    return -1;
   }
   if (length == 0) {
     return 0;

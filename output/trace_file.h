@@ -11,6 +11,10 @@ struct ExitControlBlock;
 // only makes the file checks (this is how start-up opens the first file).
 // 0, or -1 on a file failure (FatalError is then set).
 int32_t SetDataToWriteBuffer(ExitControlBlock *cb, const char *text);
+// The checks of SetDataToWriteBuffer for a text of `length` bytes, without
+// writing it: a record put together afterwards is written with
+// WriteTraceData. 0, or -1 when nothing may be written.
+int32_t PrepareTraceFile(ExitControlBlock *cb, int64_t length);
 
 // Writes a text through the buffer, without the file-switch check. 0 or -1.
 int32_t WriteTraceData(ExitControlBlock *cb, const char *text);

@@ -12,6 +12,7 @@
 
 #include "exit/alerts.h"
 #include "exit/control_block.h"
+#include "output/timing.h"
 
 namespace {
 
@@ -39,12 +40,12 @@ int32_t FlushBeforeAppending(ExitControlBlock *cb, size_t length) {
     // The next interval is counted from this flush, so a buffer that fills
     // regularly is not flushed a second time for the interval.
     if (cb->Settings.WriteInterval != 0) {
-      cb->File.LastFlushTime = time(nullptr);
+      cb->File.LastFlushTime = CallClockSeconds(cb);
     }
     return result;
   }
   if (cb->Settings.WriteInterval != 0) {
-    time_t now = time(nullptr);
+    time_t now = CallClockSeconds(cb);
     // A difference in 64 bits: any interval from the file is safe to add.
     if ((int64_t)now - (int64_t)cb->File.LastFlushTime > (int64_t)cb->Settings.WriteInterval) {
       int32_t result = FlushTraceDataInBuffer(cb);

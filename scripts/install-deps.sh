@@ -9,6 +9,10 @@ packages=(g++-multilib cmake make googletest binutils file gzip bc)
 if [ "${1:-}" = fuzz ]; then
   packages+=(clang-14 libclang-rt-14-dev)
 fi
+# `install-deps.sh bench`: the tools the benchmark scripts count with.
+if [ "${1:-}" = bench ]; then
+  packages+=(valgrind strace)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -282,6 +282,9 @@ void FillCodeRangeMapFromTable(CodeRangeMap *map, int32_t ccsid, const CcsidRang
     filled = 1;
   }
   map->cell[filled][0][0] = CODE_RANGE_END;
+  for (int32_t byte = 0; byte < 256; byte++) {
+    map->firstStep[byte] = (int8_t)CodeRangeStep(map, nullptr, 0, (uint8_t)byte);
+  }
 }
 
 void FillCodeRangeMap(CodeRangeMap *map, int32_t ccsid) {

@@ -47,8 +47,14 @@ extern const CcsidRangeEntry CcsidRangeTable[];
 // at that position of a character of that pattern; CODE_RANGE_END in the
 // byte-0 cell of a position when the pattern ends before it; a pattern whose
 // very first cell is CODE_RANGE_END ends the list.
+//
+// firstStep[byte] is what CodeRangeStep answers for a byte with nothing
+// pending (CODE_RANGE_REJECTED, _CONTINUES or _COMPLETE, below), worked out
+// once when the map is filled: the dumps decide most bytes by this one
+// look-up.
 struct CodeRangeMap {
   uint8_t cell[CODE_RANGE_MAX_PATTERNS + 1][CODE_RANGE_POSITIONS][256];
+  int8_t firstStep[256];
 };
 
 // The locale of LC_MESSAGES or, when that has none, of LC_ALL, as setlocale

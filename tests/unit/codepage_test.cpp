@@ -229,7 +229,25 @@ TEST_F(LocaleEnvironment, GetEnvValueCopiesAndCuts) {
 // ---- code-range map ----------------------------------------------------------
 
 TEST(CodeRangeMap, Size) {
-  EXPECT_EQ(sizeof(CodeRangeMap), 10u * 5u * 256u);
+  // Ten patterns of five positions, and the first-step answer of each byte.
+  EXPECT_EQ(sizeof(CodeRangeMap), 10u * 5u * 256u + 256u);
+}
+
+TEST(CodeRangeMap, FirstStepAgreesWithTheWalkForEveryByte) {
+  const int32_t ccsids[] = {819, 1208, 943, 1386, 37, 500, 0, 99999};
+  for (int32_t ccsid : ccsids) {
+    MapOf m(ccsid);
+    for (int32_t b = 0; b < 256; b++) {
+      ASSERT_EQ(m.map.firstStep[b], CodeRangeStep(&m.map, nullptr, 0, (uint8_t)b))
+          << "ccsid " << ccsid << " byte " << b;
+    }
+  }
+  // UTF-8: ASCII prints as itself, a lead byte starts a longer character,
+  // a continuation byte alone is no character.
+  MapOf utf8(1208);
+  EXPECT_EQ(utf8.map.firstStep['A'], CODE_RANGE_COMPLETE);
+  EXPECT_EQ(utf8.map.firstStep[0xC3], CODE_RANGE_CONTINUES);
+  EXPECT_EQ(utf8.map.firstStep[0x80], CODE_RANGE_REJECTED);
 }
 
 TEST(CodeRangeMap, Utf8HasThreePatterns) {
