@@ -38,7 +38,17 @@ void AppendSequenceLines(ExitControlBlock *cb, TraceText *text) {
 void AppendNameLine(TraceText *text, char marker, const char *name, int32_t value,
                     bool withNumber) {
   TraceTextAppendChar(text, marker);
-  TraceTextAppendString(text, name);
+  // Names are short: copied byte by byte while they fit, the rest (if any)
+  // the general way.
+  char *p = text->Buffer + text->Length;
+  const char *end = text->Buffer + TRACE_TEXT_SIZE;
+  while (*name != '\0' && p < end) {
+    *p++ = *name++;
+  }
+  TraceTextCommit(text, p);
+  if (*name != '\0') {
+    TraceTextAppendString(text, name);
+  }
   if (withNumber) {
     TraceTextAppendChar(text, ' ');
     TraceTextAppendInt32(text, value, 0);

@@ -35,10 +35,19 @@ int32_t FormatStampPrefix(char *out, const struct tm *local) {
 // The prefix, the microseconds in 6 digits and "]", cut to the 63
 // characters a 64-byte buffer holds; returns the length.
 int32_t FinishStamp(char *text, const char *prefix, int32_t prefixLength, uint32_t microseconds) {
+  const int32_t limit = TIME_STAMP_TEXT_SIZE - 1;
+  if (microseconds < 1000000 && prefixLength <= limit - 7) {
+    // The usual case: six digits and "]" after the prefix.
+    memcpy(text, prefix, (size_t)prefixLength);
+    char *p = text + prefixLength;
+    PutSixDigits(p, microseconds);
+    p[6] = ']';
+    p[7] = '\0';
+    return prefixLength + 7;
+  }
   char tail[FORMAT_DECIMAL_SIZE + 2];
   int32_t tailLength = FormatDecimalUInt32(tail, microseconds, 6, 1);
   tail[tailLength++] = ']';
-  const int32_t limit = TIME_STAMP_TEXT_SIZE - 1;
   if (prefixLength > limit) {
     prefixLength = limit;
   }
@@ -101,9 +110,14 @@ int32_t FormatProcessTime(char *text, int64_t microseconds) {
 void AppendProcessTime(TraceText *text, int64_t microseconds) {
   if (microseconds >= 0 && microseconds <= 0xFFFFFFFFLL) {
     uint32_t value = (uint32_t)microseconds; // 32-bit arithmetic, as above
-    TraceTextAppendUInt32(text, value / 1000000, 5);
-    TraceTextAppendChar(text, '.');
-    TraceTextAppendZeroPadded(text, value % 1000000, 6);
+    uint32_t seconds = value / 1000000;
+    TraceTextAppendUInt32(text, seconds, 5);
+    char *p = TraceTextReserve(text, 7);
+    if (p != nullptr) {
+      *p = '.';
+      PutSixDigits(p + 1, value - seconds * 1000000);
+      TraceTextCommit(text, p + 7);
+    }
     return;
   }
   char area[32];

@@ -23,20 +23,11 @@ void AppendDigits(TraceText *t, const char *first, const char *end, bool negativ
   TraceTextAppend(t, first, length);
 }
 
-int32_t DigitCount32(uint32_t value) {
-  int32_t count = 1;
-  while (value >= 100) {
-    value /= 100;
-    count += 2;
-  }
-  return value >= 10 ? count + 1 : count;
-}
-
 // A 32-bit magnitude with its sign and padding. The usual case writes the
 // digits straight into the buffer; a text that has no room left (or a
 // width beyond any line) goes the general way, which writes out or cuts.
 void AppendDecimal32(TraceText *t, uint32_t magnitude, bool negative, int32_t width, bool zeroPad) {
-  int32_t digits = DigitCount32(magnitude);
+  int32_t digits = DecimalDigitCount32(magnitude);
   int32_t length = digits + (negative ? 1 : 0);
   int32_t pad = width > length ? width - length : 0;
   if (pad + length <= TraceTextRoom(t)) {

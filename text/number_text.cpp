@@ -6,17 +6,6 @@
 
 namespace {
 
-constexpr char kDigitPairs[201] = "00010203040506070809"
-                                  "10111213141516171819"
-                                  "20212223242526272829"
-                                  "30313233343536373839"
-                                  "40414243444546474849"
-                                  "50515253545556575859"
-                                  "60616263646566676869"
-                                  "70717273747576777879"
-                                  "80818283848586878889"
-                                  "90919293949596979899";
-
 // Room for the digits and separators, terminating NUL included.
 constexpr int32_t kNumericArea = 28;
 
@@ -47,6 +36,17 @@ int32_t FormatDecimal(char *out, uint64_t magnitude, bool negative, int32_t widt
 
 } // namespace
 
+const char DecimalDigitPairs[201] = "00010203040506070809"
+                                    "10111213141516171819"
+                                    "20212223242526272829"
+                                    "30313233343536373839"
+                                    "40414243444546474849"
+                                    "50515253545556575859"
+                                    "60616263646566676869"
+                                    "70717273747576777879"
+                                    "80818283848586878889"
+                                    "90919293949596979899";
+
 const char HexDigitPairs[513] = "000102030405060708090A0B0C0D0E0F"
                                 "101112131415161718191A1B1C1D1E1F"
                                 "202122232425262728292A2B2C2D2E2F"
@@ -70,13 +70,13 @@ char *DecimalDigitsBackwards32(char *end, uint32_t value) {
     uint32_t pairIndex = (value % 100) * 2;
     value /= 100;
     p -= 2;
-    p[0] = kDigitPairs[pairIndex];
-    p[1] = kDigitPairs[pairIndex + 1];
+    p[0] = DecimalDigitPairs[pairIndex];
+    p[1] = DecimalDigitPairs[pairIndex + 1];
   }
   if (value >= 10) {
     p -= 2;
-    p[0] = kDigitPairs[value * 2];
-    p[1] = kDigitPairs[value * 2 + 1];
+    p[0] = DecimalDigitPairs[value * 2];
+    p[1] = DecimalDigitPairs[value * 2 + 1];
   } else {
     *--p = (char)('0' + value);
   }

@@ -10,6 +10,38 @@
 // Room for any 64-bit decimal with its sign.
 #define FORMAT_DECIMAL_SIZE 20
 
+// The digit pairs "00" to "99" in order: the two digits of n < 100 start at
+// 2 * n.
+extern const char DecimalDigitPairs[201];
+
+// Six decimal digits of `value` (below 1,000,000), zeros in front, at `out`.
+inline void PutSixDigits(char *out, uint32_t value) {
+  uint32_t high = value / 10000;
+  uint32_t rest = value - high * 10000;
+  uint32_t middle = rest / 100;
+  uint32_t low = rest - middle * 100;
+  out[0] = DecimalDigitPairs[2 * high];
+  out[1] = DecimalDigitPairs[2 * high + 1];
+  out[2] = DecimalDigitPairs[2 * middle];
+  out[3] = DecimalDigitPairs[2 * middle + 1];
+  out[4] = DecimalDigitPairs[2 * low];
+  out[5] = DecimalDigitPairs[2 * low + 1];
+}
+
+// The number of decimal digits of `value`.
+inline int32_t DecimalDigitCount32(uint32_t value) {
+  return value < 10           ? 1
+         : value < 100        ? 2
+         : value < 1000       ? 3
+         : value < 10000      ? 4
+         : value < 100000     ? 5
+         : value < 1000000    ? 6
+         : value < 10000000   ? 7
+         : value < 100000000  ? 8
+         : value < 1000000000 ? 9
+                              : 10;
+}
+
 // Writes the decimal digits of `value` so that they end just before `end`
 // and returns the position of the first one. `end` needs 10 bytes before it.
 char *DecimalDigitsBackwards32(char *end, uint32_t value);
