@@ -2,7 +2,7 @@
 // a call, in bytes of trace text per second, next to the speed of writing
 // the same number of bytes to a file with plain write() calls.
 // Run: build/bin/wz_format_bench [seconds]
-//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 6, for counting
+//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 9, for counting
 //      instructions: N calls of one row, nothing timed)
 #include <fcntl.h>
 #include <stdio.h>
@@ -30,6 +30,8 @@ double Now() {
 struct Bench {
   const char *Name;
   void (*Run)(ExitControlBlock *cb);
+  int32_t Ccsid = 819;    // code page of the dump's character column
+  uint8_t Characters = 1; // ShowHexCharImage
 };
 
 unsigned char gData[4096];
@@ -66,10 +68,26 @@ void SummaryLines(ExitControlBlock *cb) {
 }
 
 const Bench kBenches[] = {
-    {"hex dump, 4096 bytes", HexDump4K},          {"single-line hex, 24 bytes", HexSingleLine},
-    {"integer field lines", FieldLines},          {"48-character string fields", StringFields},
-    {"call header, before+after", HeaderRecords}, {"summary-only line", SummaryLines},
+    {"hex dump, 4096 bytes", HexDump4K},
+    {"single-line hex, 24 bytes", HexSingleLine},
+    {"integer field lines", FieldLines},
+    {"48-character string fields", StringFields},
+    {"call header, before+after", HeaderRecords},
+    {"summary-only line", SummaryLines},
+    {"hex dump, no characters", HexDump4K, 819, 0},
+    {"hex dump, UTF-8 (1208)", HexDump4K, 1208, 1},
+    {"hex dump, double-byte (943)", HexDump4K, 943, 1},
 };
+
+ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize);
+
+// A block for one row: its code page and character column.
+ExitControlBlock *MakeBlockFor(const Bench &bench, const char *path, int32_t bufferSize) {
+  ExitControlBlock *cb = MakeBlock(path, bufferSize);
+  cb->Settings.ShowHexCharImage = bench.Characters;
+  FillCodeRangeMap(&cb->CodeRange, bench.Ccsid);
+  return cb;
+}
 
 ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize) {
   auto *cb = (ExitControlBlock *)calloc(1, sizeof(ExitControlBlock) + (size_t)bufferSize);
@@ -109,7 +127,7 @@ int RunCounted(const char *path, long calls, long row) {
     fprintf(stderr, "usage: wz_format_bench --calls N ROW (ROW 1 to %ld)\n", rows);
     return 2;
   }
-  ExitControlBlock *cb = MakeBlock(path, kBuffer);
+  ExitControlBlock *cb = MakeBlockFor(kBenches[row - 1], path, kBuffer);
   for (long i = 0; i < calls; i++) {
     kBenches[row - 1].Run(cb);
   }
@@ -139,7 +157,7 @@ int main(int argc, char **argv) {
   double budget = argc > 1 ? atof(argv[1]) : 1.0;
   printf("%-28s %14s %14s %14s\n", "what", "MB/s formatted", "MB/s write()", "ns/call");
   for (const Bench &bench : kBenches) {
-    ExitControlBlock *cb = MakeBlock(path, kBuffer);
+    ExitControlBlock *cb = MakeBlockFor(bench, path, kBuffer);
     int64_t calls = 0;
     double start = Now(), elapsed = 0;
     do {

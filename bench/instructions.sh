@@ -7,11 +7,11 @@
 #   bench/instructions.sh [BUILD_DIR] [N] [SETTINGS]
 #
 # SETTINGS: a to e are the settings of wz_exit_bench (per ZKI call, before
-# and after); f1 to f6 the rows of wz_format_bench (per formatting call).
+# and after); f1 to f9 the rows of wz_format_bench (per formatting call).
 set -eu
 build=${1:-build}
 n=${2:-20000}
-settings=${3:-"a b c d e f1 f2 f3 f4 f5 f6"}
+settings=${3:-"a b c d e f1 f2 f3 f4 f5 f6 f7 f8 f9"}
 bench="$build/bin/wz_exit_bench"
 format="$build/bin/wz_format_bench"
 command -v valgrind >/dev/null || { echo "valgrind is needed (apt-get install valgrind)" >&2; exit 2; }

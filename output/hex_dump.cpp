@@ -114,19 +114,31 @@ char *PutCharacterByte(char *p, const CodeRangeMap *map, PendingCharacter *pendi
   return p;
 }
 
-// The character column of `count` bytes. While no character is pending, a
-// byte is decided by one look-up: itself, a dot, or the start of a longer
-// character, which the walk above then follows.
+// The character column of `count` bytes. While no character is pending,
+// bytes are shown by one look-up each (themselves, or a dot) until one
+// starts a longer character, which the walk above then follows.
 char *PutCharacters(char *p, const CodeRangeMap *map, PendingCharacter *pending,
                     const uint8_t *bytes, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    uint8_t b = bytes[i];
-    int32_t step = map->firstStep[b];
-    if (pending->count == 0 && step != CODE_RANGE_CONTINUES) {
-      *p++ = step == CODE_RANGE_COMPLETE ? (char)b : '.';
-    } else {
-      p = PutCharacterByte(p, map, pending, b);
+  const char *glyphs = map->firstGlyph;
+  int32_t i = 0;
+  while (i < count) {
+    if (pending->count == 0) {
+      int32_t start = i;
+      char *out = p - start;
+      for (; i < count; i++) {
+        char glyph = glyphs[bytes[i]];
+        if (glyph == '\0') {
+          break;
+        }
+        out[i] = glyph;
+      }
+      p += i - start;
+      if (i == count) {
+        break;
+      }
     }
+    p = PutCharacterByte(p, map, pending, bytes[i]);
+    i++;
   }
   return p;
 }

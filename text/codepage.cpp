@@ -283,7 +283,11 @@ void FillCodeRangeMapFromTable(CodeRangeMap *map, int32_t ccsid, const CcsidRang
   }
   map->cell[filled][0][0] = CODE_RANGE_END;
   for (int32_t byte = 0; byte < 256; byte++) {
-    map->firstStep[byte] = (int8_t)CodeRangeStep(map, nullptr, 0, (uint8_t)byte);
+    int32_t step = CodeRangeStep(map, nullptr, 0, (uint8_t)byte);
+    map->firstStep[byte] = (int8_t)step;
+    map->firstGlyph[byte] = step == CODE_RANGE_REJECTED   ? '.'
+                            : step == CODE_RANGE_COMPLETE ? (char)byte
+                                                          : '\0';
   }
 }
 

@@ -51,10 +51,14 @@ extern const CcsidRangeEntry CcsidRangeTable[];
 // firstStep[byte] is what CodeRangeStep answers for a byte with nothing
 // pending (CODE_RANGE_REJECTED, _CONTINUES or _COMPLETE, below), worked out
 // once when the map is filled: the dumps decide most bytes by this one
-// look-up.
+// look-up. firstGlyph[byte] is what the character column shows for such a
+// byte: the byte itself when it is a character alone, "." when it is none,
+// and 0 when it starts a longer character (or is a zero byte that is a
+// character), which the walk must follow.
 struct CodeRangeMap {
   uint8_t cell[CODE_RANGE_MAX_PATTERNS + 1][CODE_RANGE_POSITIONS][256];
   int8_t firstStep[256];
+  char firstGlyph[256];
 };
 
 // The locale of LC_MESSAGES or, when that has none, of LC_ALL, as setlocale

@@ -229,8 +229,9 @@ TEST_F(LocaleEnvironment, GetEnvValueCopiesAndCuts) {
 // ---- code-range map ----------------------------------------------------------
 
 TEST(CodeRangeMap, Size) {
-  // Ten patterns of five positions, and the first-step answer of each byte.
-  EXPECT_EQ(sizeof(CodeRangeMap), 10u * 5u * 256u + 256u);
+  // Ten patterns of five positions, and the first-step answer and glyph of
+  // each byte.
+  EXPECT_EQ(sizeof(CodeRangeMap), 10u * 5u * 256u + 2u * 256u);
 }
 
 TEST(CodeRangeMap, FirstStepAgreesWithTheWalkForEveryByte) {
@@ -238,8 +239,10 @@ TEST(CodeRangeMap, FirstStepAgreesWithTheWalkForEveryByte) {
   for (int32_t ccsid : ccsids) {
     MapOf m(ccsid);
     for (int32_t b = 0; b < 256; b++) {
-      ASSERT_EQ(m.map.firstStep[b], CodeRangeStep(&m.map, nullptr, 0, (uint8_t)b))
-          << "ccsid " << ccsid << " byte " << b;
+      int32_t step = CodeRangeStep(&m.map, nullptr, 0, (uint8_t)b);
+      ASSERT_EQ(m.map.firstStep[b], step) << "ccsid " << ccsid << " byte " << b;
+      char glyph = step == CODE_RANGE_REJECTED ? '.' : step == CODE_RANGE_COMPLETE ? (char)b : 0;
+      ASSERT_EQ(m.map.firstGlyph[b], glyph) << "ccsid " << ccsid << " byte " << b;
     }
   }
   // UTF-8: ASCII prints as itself, a lead byte starts a longer character,
