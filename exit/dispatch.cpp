@@ -132,6 +132,12 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
   }
   int32_t interval = cb->Settings.CheckUpdateRequestInterval;
   if (interval > 0) {
+    // A traced call of a selected object reads the precise clock for its
+    // record anyway: that reading serves here too. Other calls take the
+    // cheaper coarse time.
+    if (cb->ExecStatus == 1 && cb->Call.QueueSelected == 1) {
+      ReadCallClock(cb);
+    }
     time_t now = CallClockSeconds(cb);
     // Compared as a difference in 64 bits: any interval the file gives is
     // safe to add.

@@ -140,7 +140,7 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
     AppendSequenceLines(cb, &text);
   }
   int32_t stampLength = SetRecordTimeAndShow(cb, &now);
-  TraceTextAppend(&text, cb->Clock.RecordTimeText, stampLength);
+  AppendRecordTime(&text, cb, stampLength);
   TraceTextAppendChar(&text, '\n');
 
   if (!apiExit) {

@@ -132,7 +132,7 @@ int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason
     }
     TraceTextAppendUInt32(&text, cb->Counters.Totals[COUNTER_CUMULATIVE].CallCount + 1, 8);
     TraceTextAppendChar(&text, ' ');
-    TraceTextAppend(&text, cb->Clock.RecordTimeText, stampLength);
+    AppendRecordTime(&text, cb, stampLength);
     TraceTextAppendLiteral(&text, "  ");
     TraceTextAppendPadded(&text, SearchConstantInt(function, Constant_Function), 11);
     TraceTextAppendUInt32(&text, (uint32_t)compCode, 3);

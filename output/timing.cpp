@@ -34,11 +34,17 @@ int32_t FormatStampPrefix(char *out, const struct tm *local) {
 
 // The prefix, the microseconds in 6 digits and "]", cut to the 63
 // characters a 64-byte buffer holds; returns the length.
+// The usual prefix ("[YYYY/MM/DD hh:mm:ss.") has 21 characters; both the
+// prefix area and the stamp text have room for this many.
+#define STAMP_PREFIX_COPY 24
+static_assert(STAMP_PREFIX_COPY + 8 <= TIME_STAMP_TEXT_SIZE, "stamp text too small");
+
 int32_t FinishStamp(char *text, const char *prefix, int32_t prefixLength, uint32_t microseconds) {
   const int32_t limit = TIME_STAMP_TEXT_SIZE - 1;
-  if (microseconds < 1000000 && prefixLength <= limit - 7) {
-    // The usual case: six digits and "]" after the prefix.
-    memcpy(text, prefix, (size_t)prefixLength);
+  if (microseconds < 1000000 && prefixLength <= STAMP_PREFIX_COPY) {
+    // The usual case: six digits and "]" after the prefix, which is copied
+    // as a block of fixed size (inline moves, no library call).
+    memcpy(text, prefix, STAMP_PREFIX_COPY);
     char *p = text + prefixLength;
     PutSixDigits(p, microseconds);
     p[6] = ']';
@@ -105,6 +111,19 @@ int32_t FormatProcessTime(char *text, int64_t microseconds) {
   }
   *p = '\0';
   return (int32_t)(p - text);
+}
+
+void AppendRecordTime(TraceText *text, const ExitControlBlock *cb, int32_t length) {
+  // Copied as a block of 32 bytes when the stamp has its usual length: the
+  // text area holds 64.
+  static_assert(sizeof cb->Clock.RecordTimeText >= 32, "record time text too small");
+  char *p = length <= 32 ? TraceTextReserve(text, 32) : nullptr;
+  if (p == nullptr) {
+    TraceTextAppend(text, cb->Clock.RecordTimeText, length);
+    return;
+  }
+  memcpy(p, cb->Clock.RecordTimeText, 32);
+  TraceTextCommit(text, p + length);
 }
 
 void AppendProcessTime(TraceText *text, int64_t microseconds) {

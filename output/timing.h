@@ -7,6 +7,8 @@
 
 #include "exit/control_block.h"
 
+struct TraceText;
+
 // Size of a time stamp text buffer.
 #define TIME_STAMP_TEXT_SIZE 64
 
@@ -43,13 +45,15 @@ void SetTimeAndShow(struct timeval *now, char *text);
 // second while the second stays the same. Returns the text's length.
 int32_t SetRecordTimeAndShow(ExitControlBlock *cb, struct timeval *now);
 
+// Appends the record's time stamp text (`length` bytes of RecordTimeText).
+void AppendRecordTime(TraceText *text, const ExitControlBlock *cb, int32_t length);
+
 // Writes an elapsed time in microseconds as whole seconds right-aligned in
 // 5 columns, a point and 6 digits ("%5lld.%06lld") with a NUL; returns the
 // length. `text` needs room for 32 bytes.
 int32_t FormatProcessTime(char *text, int64_t microseconds);
 
 // The same elapsed time appended to a trace text.
-struct TraceText;
 void AppendProcessTime(TraceText *text, int64_t microseconds);
 
 // Records the connection's start time and its text in the control block.

@@ -30,20 +30,21 @@ void AppendDecimal32(TraceText *t, uint32_t magnitude, bool negative, int32_t wi
   int32_t digits = DecimalDigitCount32(magnitude);
   int32_t length = digits + (negative ? 1 : 0);
   int32_t pad = width > length ? width - length : 0;
-  if (pad + length <= TraceTextRoom(t)) {
+  if (pad <= 16 && TraceTextRoom(t) >= 48) {
+    // Padding is written as a block of 16 (inline moves, no loop); what
+    // the block writes beyond the padding is overwritten by the number.
+    // 48 bytes hold both blocks, the sign and the longest number.
     char *p = t->Buffer + t->Length;
     if (!zeroPad) {
-      for (int32_t i = 0; i < pad; i++) {
-        *p++ = ' ';
-      }
+      memcpy(p, "                ", 16);
+      p += pad;
     }
     if (negative) {
       *p++ = '-';
     }
     if (zeroPad) {
-      for (int32_t i = 0; i < pad; i++) {
-        *p++ = '0';
-      }
+      memcpy(p, "0000000000000000", 16);
+      p += pad;
     }
     DecimalDigitsBackwards32(p + digits, magnitude);
     t->Length = (int32_t)(p + digits - t->Buffer);

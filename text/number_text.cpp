@@ -64,25 +64,6 @@ const char HexDigitPairs[513] = "000102030405060708090A0B0C0D0E0F"
                                 "E0E1E2E3E4E5E6E7E8E9EAEBECEDEEEF"
                                 "F0F1F2F3F4F5F6F7F8F9FAFBFCFDFEFF";
 
-char *DecimalDigitsBackwards32(char *end, uint32_t value) {
-  char *p = end;
-  while (value >= 100) {
-    uint32_t pairIndex = (value % 100) * 2;
-    value /= 100;
-    p -= 2;
-    p[0] = DecimalDigitPairs[pairIndex];
-    p[1] = DecimalDigitPairs[pairIndex + 1];
-  }
-  if (value >= 10) {
-    p -= 2;
-    p[0] = DecimalDigitPairs[value * 2];
-    p[1] = DecimalDigitPairs[value * 2 + 1];
-  } else {
-    *--p = (char)('0' + value);
-  }
-  return p;
-}
-
 char *DecimalDigitsBackwards64(char *end, uint64_t value) {
   if (value <= 0xFFFFFFFFu) {
     return DecimalDigitsBackwards32(end, (uint32_t)value); // far cheaper on i386

@@ -7,12 +7,12 @@
 
 #include <stdint.h>
 
-// Room for any 64-bit decimal with its sign.
-#define FORMAT_DECIMAL_SIZE 20
-
 // The digit pairs "00" to "99" in order: the two digits of n < 100 start at
 // 2 * n.
 extern const char DecimalDigitPairs[201];
+
+// Room for any 64-bit decimal with its sign.
+#define FORMAT_DECIMAL_SIZE 20
 
 // Six decimal digits of `value` (below 1,000,000), zeros in front, at `out`.
 inline void PutSixDigits(char *out, uint32_t value) {
@@ -44,7 +44,26 @@ inline int32_t DecimalDigitCount32(uint32_t value) {
 
 // Writes the decimal digits of `value` so that they end just before `end`
 // and returns the position of the first one. `end` needs 10 bytes before it.
-char *DecimalDigitsBackwards32(char *end, uint32_t value);
+// Inline: every number of every record goes through here.
+inline char *DecimalDigitsBackwards32(char *end, uint32_t value) {
+  char *p = end;
+  while (value >= 100) {
+    uint32_t high = value / 100;
+    uint32_t pair = (value - high * 100) * 2;
+    value = high;
+    p -= 2;
+    p[0] = DecimalDigitPairs[pair];
+    p[1] = DecimalDigitPairs[pair + 1];
+  }
+  if (value >= 10) {
+    p -= 2;
+    p[0] = DecimalDigitPairs[value * 2];
+    p[1] = DecimalDigitPairs[value * 2 + 1];
+  } else {
+    *--p = (char)('0' + value);
+  }
+  return p;
+}
 // The same for a 64-bit value (20 bytes before `end`).
 char *DecimalDigitsBackwards64(char *end, uint64_t value);
 
