@@ -167,13 +167,6 @@ int32_t TraceTextAppendSevenBit(TraceText *t, const void *bytes, int32_t length)
 
 void TraceTextAppendFieldName(TraceText *t, const char *name) {
   TraceTextAppendLiteral(t, "|> ");
-  int32_t length = 0;
-  if (name != nullptr) {
-    length = (int32_t)strlen(name);
-    TraceTextAppend(t, name, length);
-  }
-  if (length < FIELD_NAME_WIDTH) {
-    TraceTextAppendRepeat(t, ' ', FIELD_NAME_WIDTH - length);
-  }
+  TraceTextAppendPadded(t, name, FIELD_NAME_WIDTH);
   TraceTextAppendLiteral(t, ": ");
 }
