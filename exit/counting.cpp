@@ -11,6 +11,7 @@
 #include "output/statistics_index.h"
 #include "output/timing.h"
 #include "output/trace_text.h"
+#include "text/call_names.h"
 #include "text/constant_table.h"
 #include "text/string_utils.h"
 
@@ -109,7 +110,7 @@ void WriteAlertLine(ExitControlBlock *cb, int32_t function, ZKLONG compCode, ZKL
   TraceTextAppendChar(&line, ' ');
   TraceTextAppendString(&line, stamp);
   TraceTextAppendLiteral(&line, "  ");
-  TraceTextAppendPadded(&line, SearchConstantInt(function, Constant_Function), 8);
+  TraceTextAppendPadded(&line, FunctionName(function), 8);
   TraceTextAppendLiteral(&line, " CompCode = ");
   TraceTextAppendUInt32(&line, (uint32_t)compCode, 0);
   TraceTextAppendLiteral(&line, "  Reason = ");

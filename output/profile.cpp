@@ -13,6 +13,7 @@
 #include "output/trace_file.h"
 #include "output/trace_text.h"
 #include "text/codepage.h"
+#include "text/call_names.h"
 #include "text/constant_table.h"
 #include "text/number_text.h"
 
@@ -269,7 +270,7 @@ void AppendSuppressEntry(TraceText *t, const char *label, int32_t compCode, int3
   if (function == PARAMETER_ANY) {
     TraceTextAppendLiteral(t, "*      ");
   } else {
-    TraceTextAppendPadded(t, SearchConstantInt(function, Constant_Function), 7);
+    TraceTextAppendPadded(t, FunctionName(function), 7);
   }
   TraceTextAppendLiteral(t, ", ");
   TraceTextAppendBounded(t, objectName, objectNameSize);

@@ -9,6 +9,7 @@
 #include "output/timing.h"
 #include "output/trace_file.h"
 #include "output/trace_text.h"
+#include "text/call_names.h"
 #include "text/constant_table.h"
 
 namespace {
@@ -59,8 +60,8 @@ void AppendNameLine(TraceText *text, char marker, const char *name, int32_t valu
 // "<" and "(" lines of an API call. An unknown function or reason shows its
 // number after both names, so the line still says what was called.
 void AppendApiNames(TraceText *text, int32_t function, int32_t exitReason) {
-  const char *functionName = SearchConstantInt(function, Constant_Function);
-  const char *reasonName = SearchConstantInt(exitReason, Constant_ExitReason);
+  const char *functionName = FunctionName(function);
+  const char *reasonName = ExitReasonName(exitReason);
   bool unknown = functionName[0] == '(' || reasonName[0] == '(';
   AppendNameLine(text, '<', functionName, function, unknown);
   AppendNameLine(text, '(', reasonName, exitReason, unknown);
@@ -145,7 +146,7 @@ RecordCounting WriteHeaderRecord(ExitControlBlock *cb, int32_t function, int32_t
 
   if (!apiExit) {
     // A channel exit: the exit reason, then the kind of channel exit.
-    AppendNameLine(&text, '<', SearchConstantInt(exitReason, Constant_ExitReason), 0, false);
+    AppendNameLine(&text, '<', ExitReasonName(exitReason), 0, false);
     AppendNameLine(&text, '(', SearchConstantInt(function, Constant_ChlExitId), 0, false);
     if (status == 0) {
       TraceTextWrite(&text);

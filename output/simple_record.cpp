@@ -10,6 +10,7 @@
 #include "output/timing.h"
 #include "output/trace_file.h"
 #include "output/trace_text.h"
+#include "text/call_names.h"
 #include "text/constant_table.h"
 
 namespace {
@@ -134,7 +135,7 @@ int64_t WriteSimpleRecord(ExitControlBlock *cb, int32_t compCode, int32_t reason
     TraceTextAppendChar(&text, ' ');
     AppendRecordTime(&text, cb, stampLength);
     TraceTextAppendLiteral(&text, "  ");
-    TraceTextAppendPadded(&text, SearchConstantInt(function, Constant_Function), 11);
+    TraceTextAppendPadded(&text, FunctionName(function), 11);
     TraceTextAppendUInt32(&text, (uint32_t)compCode, 3);
     TraceTextAppendUInt32(&text, (uint32_t)reason, 5);
     TraceTextAppendChar(&text, ' ');
