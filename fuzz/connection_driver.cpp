@@ -7,6 +7,7 @@
 
 #include "fields.h"
 #include "fuzz/fuzz_support.h"
+#include "tests/harness_text.h"
 
 namespace {
 
@@ -16,11 +17,6 @@ ConnectionDriver *gCurrent = nullptr;
 // back as it was sent.
 const std::vector<std::string> kExitOwnedAxpFields = {
     "ExitResponse", "ExitResponse2", "Feedback", "ExitUserArea", "ExitPDArea", "ExitChainAreaPtr"};
-
-void SetBlankPadded(char *field, size_t width, const std::string &value) {
-  memset(field, ' ', width);
-  memcpy(field, value.data(), value.size() < width ? value.size() : width);
-}
 
 } // namespace
 

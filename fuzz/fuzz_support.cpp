@@ -12,6 +12,7 @@
 
 #include "exit/control_block.h"
 #include "output/trace_file.h"
+#include "tests/harness_text.h"
 
 void FuzzCheckFailed(const char *file, int line, const char *condition, const char *format, ...) {
   fprintf(stderr, "%s:%d: check failed: %s\n", file, line, condition);
@@ -137,17 +138,7 @@ std::string FuzzInput::Rest() {
 }
 
 std::vector<std::string> SplitLines(const std::string &text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) {
-      end = text.size();
-    }
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
+  return SplitTextLines(text);
 }
 
 ExitControlBlock *AlertBlock() {

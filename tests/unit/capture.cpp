@@ -1,4 +1,5 @@
 #include "tests/unit/capture.h"
+#include "tests/harness_text.h"
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -83,15 +84,5 @@ std::string FileCapture::Text() const {
 }
 
 std::vector<std::string> TextLines(const std::string &text) {
-  std::vector<std::string> lines;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) {
-      end = text.size();
-    }
-    lines.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return lines;
+  return SplitTextLines(text);
 }

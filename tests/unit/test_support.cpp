@@ -1,4 +1,5 @@
 #include "tests/unit/test_support.h"
+#include "tests/harness_text.h"
 
 #include <dirent.h>
 #include <stdlib.h>
@@ -64,8 +65,7 @@ std::vector<std::string> TempDir::List() const {
 }
 
 void SetFixedField(char *field, size_t width, const std::string &value) {
-  memset(field, ' ', width);
-  memcpy(field, value.data(), value.size() < width ? value.size() : width);
+  SetBlankPadded(field, width, value);
 }
 
 TestConnection::TestConnection(const std::string &exitData, const std::string &applName,
