@@ -3,7 +3,9 @@
 // application would, runs the call through the exits and logs what the
 // queue manager returned.
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
+#include <strings.h>
 
 #include "commands.h"
 #include "constants.h"
@@ -81,15 +83,135 @@ std::string fixed(const char *field, std::size_t width) {
   return fixedText(field, width);
 }
 
+// The response records of open and put1 (those of the ZKOD), and of put
+// (those of the ZKPMO).
+const RecordKey kRrKey = {"rr", {"ZKRR"}};
+const RecordKey kReturnRrKey = {"return.rr", {"ZKRR"}};
+
+// What the queue manager returns in the fields that the scenario names
+// ("return.gmo.GroupStatus=0x00", "return.rr.2.Reason=2085"): written after
+// the queue manager has carried the call out, before the AFTER functions,
+// so that the application and the exits see values that the queue manager
+// itself would not return. Each value is made when the call is prepared:
+// writing it cannot fail.
+class Returned {
+public:
+  // The "return.KEY.Field=" words of a structure (KEY: "md", "gmo" ...).
+  bool prepare(ScenarioContext &context, const Args &args, const std::string &key,
+               std::string &error) {
+    const std::string prefix = "return." + key + ".";
+    const StructDef &def = *findStruct(key);
+    for (const auto &kv : args.named()) {
+      if (kv.first.compare(0, prefix.size(), prefix) != 0) {
+        continue;
+      }
+      const FieldDef *field = def.find(kv.first.substr(prefix.size()));
+      if (field == nullptr) {
+        error = "'" + kv.first + "': " + def.name + " has no such field";
+        return false;
+      }
+      if (!add(context, key, 0, *field, def, kv, error)) {
+        return false;
+      }
+    }
+    return true;
+  }
+  // The "return.rr[.N].Field=" words for `count` response records.
+  bool prepareRecords(ScenarioContext &context, const Args &args, int count, std::string &error) {
+    if (!args.checkRecordCount(kReturnRrKey.key, count, "response records", error)) {
+      return false;
+    }
+    const StructDef &def = structNamed("ZKRR");
+    for (const auto &kv : args.named()) {
+      int number = 0;
+      std::string name;
+      if (!splitRecordWord(kv.first, kReturnRrKey.key, number, name)) {
+        continue;
+      }
+      const FieldDef *field = def.find(name);
+      if (field == nullptr) {
+        error = "'" + kv.first + "': ZKRR has no such field";
+        return false;
+      }
+      if (!add(context, "rr", number, *field, def, kv, error)) {
+        return false;
+      }
+    }
+    return true;
+  }
+  // Writes the values of `key` into the structure, or into each of `count`
+  // records that follow each other from `structure`.
+  void apply(const std::string &key, void *structure, int count = 1) {
+    for (const Value &v : values_) {
+      if (v.key != key || structure == nullptr) {
+        continue;
+      }
+      for (int i = 0; i < count; ++i) {
+        if (v.number == 0 || v.number == i + 1) {
+          unsigned char *at = static_cast<unsigned char *>(structure) + i * v.recordSize;
+          std::memcpy(at + v.offset, v.bytes.data(), v.bytes.size());
+          applied_ = true;
+        }
+      }
+    }
+  }
+  // After the call: the words that were written, for the log.
+  void log(ScenarioContext &context, const Connection &c) const {
+    if (!applied_) {
+      return;
+    }
+    std::string words;
+    for (const Value &v : values_) {
+      words += " " + v.word;
+    }
+    context.log.line("%s   returned as the scenario sets:%s", c.name.c_str(), words.c_str());
+  }
+
+private:
+  struct Value {
+    std::string key;
+    int number = 0; // of a record; 0: every record
+    uint32_t recordSize = 0;
+    uint32_t offset = 0;
+    std::vector<unsigned char> bytes;
+    std::string word;
+  };
+  bool add(ScenarioContext &context, const std::string &key, int number, const FieldDef &field,
+           const StructDef &def, const std::pair<std::string, std::string> &kv,
+           std::string &error) {
+    std::vector<unsigned char> scratch(def.size, 0);
+    if (!setFieldValue(field, scratch.data(), kv.second, resolverOf(context), error)) {
+      error = kv.first + ": " + error;
+      return false;
+    }
+    Value v;
+    v.key = key;
+    v.number = number;
+    v.recordSize = def.size;
+    v.offset = field.offset;
+    v.bytes.assign(scratch.begin() + field.offset, scratch.begin() + field.offset + field.size);
+    v.word = kv.first + "=" + kv.second;
+    values_.push_back(std::move(v));
+    return true;
+  }
+  std::vector<Value> values_;
+  bool applied_ = false;
+};
+
 // ---- the object descriptor of open and put1 -----------------------------------------
 
-const std::vector<std::string> kOdKeys = {"type",      "od",   "qmgr", "dynamic", "topicstr",
-                                          "selection", "list", "by",   "resbuf"};
+const std::vector<std::string> kOdKeys = {"type",     "od",         "qmgr",      "dynamic",
+                                          "topicstr", "selection",  "list",      "by",
+                                          "resbuf",   "by.records", "by.strings"};
+const std::vector<std::string> kOdPrefixes = {"od", "return.od"};
+// The object records of a distribution list.
+const RecordKey kOrKey = {"or", {"ZKOR"}};
 
 struct OdBlock {
   Block block;
   ZKOD *od = nullptr;
   int destinations = 0;
+  ZKRR *responses = nullptr; // the response records, one per destination
 };
 
 bool buildOd(ScenarioContext &context, const std::string &object, const Args &args, OdBlock &b,
@@ -106,6 +228,11 @@ bool buildOd(ScenarioContext &context, const std::string &object, const Args &ar
     return false;
   }
   std::vector<std::string> list = splitList(args.get("list"));
+  if (!args.checkRecordCount(kOrKey.key, static_cast<int>(list.size()), "object records", error) ||
+      !args.checkRecordCount(kRrKey.key, static_cast<int>(list.size()), "response records",
+                             error)) {
+    return false;
+  }
   std::string topicstr = args.get("topicstr");
   std::string selection = args.get("selection");
   ZKLONG ver = !list.empty() ? ZKOD_VERSION_2 : ZKOD_VERSION_1;
@@ -120,6 +247,7 @@ bool buildOd(ScenarioContext &context, const std::string &object, const Args &ar
     return false;
   }
   bool offsets = byOffset(args, "records");
+  bool stringOffsets = args.get("by.strings", offsets ? "offset" : "pointer") == "offset";
   std::size_t odAt = b.block.reserve(sizeof(ZKOD));
   std::size_t orAt = b.block.reserve(sizeof(ZKOR) * list.size());
   std::size_t rrAt = b.block.reserve(sizeof(ZKRR) * list.size());
@@ -147,7 +275,15 @@ bool buildOd(ScenarioContext &context, const std::string &object, const Args &ar
       ZKRR *rr = b.block.as<ZKRR>(rrAt) + i;
       rr->CompCode = -1;
       rr->Reason = -1;
+      const int number = static_cast<int>(i + 1);
+      if (!args.applyRecordFields(kOrKey.key, number, {{&structNamed("ZKOR"), r, sizeof(ZKOR)}},
+                                  resolverOf(context), error) ||
+          !args.applyRecordFields(kRrKey.key, number, {{&structNamed("ZKRR"), rr, sizeof(ZKRR)}},
+                                  resolverOf(context), error)) {
+        return false;
+      }
     }
+    b.responses = b.block.as<ZKRR>(rrAt);
     if (offsets) {
       od->ObjectRecOffset = static_cast<ZKLONG>(orAt - odAt);
       od->ResponseRecOffset = static_cast<ZKLONG>(rrAt - odAt);
@@ -158,7 +294,7 @@ bool buildOd(ScenarioContext &context, const std::string &object, const Args &ar
   }
   auto charv = [&](ZKCHARV &v, std::size_t at, const std::string &text) {
     std::memcpy(b.block.at(at), text.data(), text.size());
-    if (offsets) {
+    if (stringOffsets) {
       v.VSOffset = static_cast<ZKLONG>(at - odAt);
     } else {
       v.VSPtr = b.block.at(at);
@@ -214,30 +350,105 @@ std::string odResults(const ZKOD *od) {
 
 // ---- put: the message and the put options -------------------------------------------
 
-const std::vector<std::string> kPutKeys = {"msg",  "text", "hex",     "file",    "size",
-                                           "md",   "pmo",  "options", "format",  "length",
-                                           "save", "pmr",  "by",      "context", "ccsid"};
+const std::vector<std::string> kPutKeys = {
+    "msg",    "text", "hex", "file", "size",    "md",    "pmo",     "options",   "format",
+    "length", "save", "pmr", "by",   "context", "ccsid", "records", "by.records"};
+const std::vector<std::string> kPutPrefixes = {"md", "pmo", "return.md", "return.pmo"};
 
 const std::vector<std::pair<std::string, std::string>> kPutValues = {
-    {"options", "ZKPMO_"}, {"md", ""},     {"pmo", ""},  {"pmr", "ZKPMRF_"},
-    {"size", ""},          {"length", ""}, {"ccsid", ""}};
+    {"options", "ZKPMO_"}, {"md", ""},     {"pmo", ""},   {"pmr", "ZKPMRF_"},
+    {"size", ""},          {"length", ""}, {"ccsid", ""}, {"records", ""}};
+
+// The put-message records of the ZKPMO and, under the same key, the
+// response record of each ("pmr.2.CorrelId=", "pmr.2.Reason=").
+const RecordKey kPmrKey = {"pmr", {"ZKPMR", "ZKRR"}};
+
+// The fields of a put-message record in the order in which a record holds
+// those that PutMsgRecFields names.
+struct PmrPart {
+  ZKLONG flag;
+  const char *name;
+  std::size_t offset; // in ZKPMR
+  std::size_t size;
+};
+const PmrPart kPmrParts[] = {
+    {ZKPMRF_MSG_ID, "MsgId", offsetof(ZKPMR, MsgId), sizeof(ZKPMR::MsgId)},
+    {ZKPMRF_CORREL_ID, "CorrelId", offsetof(ZKPMR, CorrelId), sizeof(ZKPMR::CorrelId)},
+    {ZKPMRF_GROUP_ID, "GroupId", offsetof(ZKPMR, GroupId), sizeof(ZKPMR::GroupId)},
+    {ZKPMRF_FEEDBACK, "Feedback", offsetof(ZKPMR, Feedback), sizeof(ZKPMR::Feedback)},
+    {ZKPMRF_ACCOUNTING_TOKEN, "AccountingToken", offsetof(ZKPMR, AccountingToken),
+     sizeof(ZKPMR::AccountingToken)},
+};
+
+// Sets the "pmr[.N].Field=" words into put-message record `number` (which
+// holds the fields of `fields`, packed) and its response record. A field
+// that the records do not hold is an error: there is no place for it.
+bool applyPutMsgRecord(ScenarioContext &context, const Args &args, int number, ZKLONG fields,
+                       unsigned char *packed, ZKRR *response, std::string &error) {
+  for (const auto &kv : args.named()) {
+    int n = 0;
+    std::string name;
+    if (splitRecordWord(kv.first, kPmrKey.key, n, name) && (n == 0 || n == number) &&
+        structNamed("ZKPMR").find(name) != nullptr) {
+      bool held = false;
+      for (const PmrPart &part : kPmrParts) {
+        if (strcasecmp(part.name, name.c_str()) == 0 && (fields & part.flag) != 0) {
+          held = true;
+        }
+      }
+      if (!held) {
+        error = "'" + kv.first + "': the put-message records (pmr=) hold no " + name;
+        return false;
+      }
+    }
+  }
+  // Unpacked into a whole record, set, and packed again.
+  ZKPMR whole = {};
+  std::size_t at = 0;
+  for (const PmrPart &part : kPmrParts) {
+    if (fields & part.flag) {
+      std::memcpy(reinterpret_cast<unsigned char *>(&whole) + part.offset, packed + at, part.size);
+      at += part.size;
+    }
+  }
+  if (!args.applyRecordFields(kPmrKey.key, number,
+                              {{&structNamed("ZKPMR"), &whole, sizeof whole},
+                               {&structNamed("ZKRR"), response, sizeof(ZKRR)}},
+                              resolverOf(context), error)) {
+    return false;
+  }
+  at = 0;
+  for (const PmrPart &part : kPmrParts) {
+    if (fields & part.flag) {
+      std::memcpy(packed + at, reinterpret_cast<unsigned char *>(&whole) + part.offset, part.size);
+      at += part.size;
+    }
+  }
+  return true;
+}
 
 struct PutBlock {
   Block block;
   ZKMD *md = nullptr;
   ZKPMO *pmo = nullptr;
   std::vector<unsigned char> data;
+  ZKRR *responses = nullptr; // the ZKPMO's response records
+  int records = 0;
 };
 
+// `destinations`: those of the distribution list that the put goes to.
+// `pmoResponses`: the rr. words are for the ZKPMO's response records (put;
+// in put1 they are the ZKOD's).
 bool buildPut(ScenarioContext &context, Connection &c, const Args &args, int destinations,
-              PutBlock &b, std::string &error) {
+              bool pmoResponses, PutBlock &b, std::string &error) {
   BuiltMessage message;
   if (!messageOf(context, args, message, error)) {
     return false;
   }
   b.data = message.data;
   ZKLONG mdVersion = ZKMD_VERSION_1;
-  ZKLONG pmoVersion = args.has("pmr") ? ZKPMO_VERSION_2 : ZKPMO_VERSION_1;
+  bool withRecords = args.has("pmr") || args.has("records");
+  ZKLONG pmoVersion = withRecords ? ZKPMO_VERSION_2 : ZKPMO_VERSION_1;
   if (!version(args, "md", 1, 99, mdVersion, error) ||
       !version(args, "pmo", 1, 99, pmoVersion, error)) {
     return false;
@@ -247,7 +458,20 @@ bool buildPut(ScenarioContext &context, Connection &c, const Args &args, int des
     return false;
   }
   int unit = putMsgRecordLength(fields);
-  std::size_t n = args.has("pmr") ? static_cast<std::size_t>(std::max(destinations, 0)) : 0;
+  // As many records as the list has destinations, unless records= says how
+  // many (also for a put to one queue, or a number that does not match).
+  ZKLONG count = withRecords ? std::max(destinations, 0) : 0;
+  if (args.has("records") &&
+      (!parseValue(args.get("records"), "", count, error) || count < 0 || count > 1000)) {
+    error = "records=" + args.get("records") + ": a number of records from 0 to 1000";
+    return false;
+  }
+  std::size_t n = static_cast<std::size_t>(count);
+  if (!args.checkRecordCount(kPmrKey.key, static_cast<int>(n), "put-message records", error) ||
+      (pmoResponses &&
+       !args.checkRecordCount(kRrKey.key, static_cast<int>(n), "response records", error))) {
+    return false;
+  }
   std::size_t mdAt = b.block.reserve(sizeof(ZKMD));
   std::size_t pmoAt = b.block.reserve(sizeof(ZKPMO));
   std::size_t pmrAt = b.block.reserve(n * unit);
@@ -288,6 +512,19 @@ bool buildPut(ScenarioContext &context, Connection &c, const Args &args, int des
   if (n > 0) {
     b.pmo->RecsPresent = static_cast<ZKLONG>(n);
     b.pmo->PutMsgRecFields = fields;
+    b.responses = b.block.as<ZKRR>(rrAt);
+    b.records = static_cast<int>(n);
+    for (std::size_t i = 0; i < n; ++i) {
+      ZKRR *rr = b.responses + i;
+      const int number = static_cast<int>(i + 1);
+      if (!applyPutMsgRecord(context, args, number, fields, b.block.at(pmrAt) + i * unit, rr,
+                             error) ||
+          (pmoResponses &&
+           !args.applyRecordFields(kRrKey.key, number, {{&structNamed("ZKRR"), rr, sizeof(ZKRR)}},
+                                   resolverOf(context), error))) {
+        return false;
+      }
+    }
     if (byOffset(args, "records")) {
       b.pmo->PutMsgRecOffset = unit > 0 ? static_cast<ZKLONG>(pmrAt - pmoAt) : 0;
       b.pmo->ResponseRecOffset = static_cast<ZKLONG>(rrAt - pmoAt);
@@ -325,9 +562,20 @@ std::string putResults(const ZKMD *md, const ZKPMO *pmo, ZKLONG compCode) {
   return text;
 }
 
-// Runs ZKPUT (hobj set) or ZKPUT1 (od set) through the exits.
-void putCall(ScenarioContext &context, Connection &c, const std::string &handleName, ZKHOBJ hobj,
-             ZKOD *od, PutBlock &b, const Args &args) {
+// Runs ZKPUT (hobj set) or ZKPUT1 (o set) through the exits. False with
+// `error` when a value to return cannot be made (before the call).
+bool putCall(ScenarioContext &context, Connection &c, const std::string &handleName, ZKHOBJ hobj,
+             OdBlock *o, PutBlock &b, const Args &args, std::string &error) {
+  ZKOD *od = o != nullptr ? o->od : nullptr;
+  ZKRR *responses = o != nullptr ? o->responses : b.responses;
+  int records = o != nullptr ? o->destinations : b.records;
+  Returned returned;
+  if (!returned.prepare(context, args, "md", error) ||
+      !returned.prepare(context, args, "pmo", error) ||
+      (od != nullptr && !returned.prepare(context, args, "od", error)) ||
+      !returned.prepareRecords(context, args, records, error)) {
+    return false;
+  }
   ZKHCONN hconn = c.hconn;
   PZKOD pOd = od;
   PZKMD pMd = b.md;
@@ -388,6 +636,11 @@ void putCall(ScenarioContext &context, Connection &c, const std::string &handleN
     } else {
       context.qmgr.engine().put(hconn, hobj, pMd, pPmo, length, pBuffer, &compCode, &reason);
     }
+    returned.apply("md", pMd);
+    returned.apply("pmo", pPmo);
+    returned.apply("od", pOd);
+    returned.apply("rr", responses, records);
+    returned.log(context, c);
   });
   c.keep("md", b.md, sizeof(ZKMD));
   c.keep("pmo", b.pmo, sizeof(ZKPMO));
@@ -406,6 +659,7 @@ void putCall(ScenarioContext &context, Connection &c, const std::string &handleN
   if (args.has("save") && compCode != ZKCC_FAILED) {
     saveIds(context, args.get("save"), *b.md);
   }
+  return true;
 }
 
 } // namespace
@@ -479,14 +733,18 @@ bool messageOf(ScenarioContext &context, const Args &args, BuiltMessage &message
 
 // ---- connx ---------------------------------------------------------------------------
 
+// The authentication records of the TLS options.
+const RecordKey kAirKey = {"air", {"ZKAIR"}};
+
 bool checkConnx(const ScenarioCommand &cmd, std::string &error) {
   if (!checkConnectionName(cmd.words[1], error)) {
     return false;
   }
   Args args(cmd, 2);
-  return args.checkKeys({"qmgr", "cno", "cd", "sco", "air", "ldap", "csp", "conntag", "by", "by.cd",
-                         "by.sco", "by.air", "by.ldap", "by.csp", "by.user"},
-                        {"cno", "cd", "sco", "air", "csp"}, error) &&
+  return args.checkKeys({"qmgr", "cno", "cd", "sco", "air", "ldap", "ldap.N", "csp", "conntag",
+                         "by", "by.cd", "by.sco", "by.air", "by.ldap", "by.csp", "by.user",
+                         "by.password"},
+                        {"cno", "cd", "sco", "csp"}, error, {kAirKey}) &&
          checkBy(args, error) && args.checkValues({{"cno", ""}, {"cd", ""}, {"sco", ""}}, error);
 }
 
@@ -510,6 +768,30 @@ bool runConnx(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
     airs.push_back(n);
   }
   std::vector<std::string> ldaps = splitList(args.get("ldap"));
+  // The records that have a user name (a record without one has neither
+  // pointer nor offset).
+  std::vector<bool> named(ldaps.size(), true);
+  // ldap.N=NAME: the user name of record N whole, commas and all.
+  for (std::size_t i = 1; i <= airs.size(); ++i) {
+    std::string key = "ldap." + std::to_string(i);
+    if (args.has(key)) {
+      ldaps.resize(std::max(ldaps.size(), i));
+      named.resize(ldaps.size(), false);
+      ldaps[i - 1] = args.get(key);
+      named[i - 1] = true;
+    }
+  }
+  for (const auto &kv : args.named()) {
+    if (kv.first.rfind("ldap.", 0) == 0 && std::stoul(kv.first.substr(5)) > airs.size()) {
+      error = "'" + kv.first + "': the call passes " + std::to_string(airs.size()) +
+              " authentication records (air=)";
+      return false;
+    }
+  }
+  if (!args.checkRecordCount(kAirKey.key, static_cast<int>(airs.size()),
+                             "authentication records (air=)", error)) {
+    return false;
+  }
   if (!airs.empty() && scoV == 0) {
     scoV = ZKSCO_VERSION_1;
   }
@@ -597,7 +879,7 @@ bool runConnx(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
       setFixed(air->AuthInfoConnName, sizeof air->AuthInfoConnName,
                "ldap" + std::to_string(i + 1) + ".zkqm.test(389)");
       setFixed(air->LDAPPassword, sizeof air->LDAPPassword, "ldap-secret");
-      if (i < ldaps.size()) {
+      if (i < ldaps.size() && named[i]) {
         std::memcpy(block.at(ldapAt[i]), ldaps[i].data(), ldaps[i].size());
         air->LDAPUserNameLength = static_cast<ZKLONG>(ldaps[i].size());
         if (byOffset(args, "ldap")) {
@@ -606,7 +888,9 @@ bool runConnx(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
           air->LDAPUserNamePtr = block.at(ldapAt[i]);
         }
       }
-      if (!args.applyFields("air", air, structNamed("ZKAIR"), resolverOf(context), error)) {
+      if (!args.applyRecordFields(kAirKey.key, static_cast<int>(i + 1),
+                                  {{&structNamed("ZKAIR"), air, static_cast<uint32_t>(length)}},
+                                  resolverOf(context), error)) {
         return false;
       }
     }
@@ -632,9 +916,13 @@ bool runConnx(ScenarioContext &context, const ScenarioCommand &cmd, std::string 
     sp->CSPPasswordLength = static_cast<ZKLONG>(password.size());
     if (byOffset(args, "user")) {
       sp->CSPUserIdOffset = static_cast<ZKLONG>(userAt - cspAt);
-      sp->CSPPasswordOffset = static_cast<ZKLONG>(passwordAt - cspAt);
     } else {
       sp->CSPUserIdPtr = block.at(userAt);
+    }
+    // The password goes as the user identifier does, unless by.password says.
+    if (args.get("by.password", byOffset(args, "user") ? "offset" : "pointer") == "offset") {
+      sp->CSPPasswordOffset = static_cast<ZKLONG>(passwordAt - cspAt);
+    } else {
       sp->CSPPasswordPtr = block.at(passwordAt);
     }
     if (byOffset(args, "csp")) {
@@ -669,8 +957,8 @@ bool checkOpen(const ScenarioCommand &cmd, std::string &error) {
   Args args(cmd, 4);
   std::vector<std::string> keys = kOdKeys;
   keys.push_back("options");
-  return args.checkKeys(keys, {"od"}, error) && checkBy(args, error) &&
-         args.checkValues({{"options", "ZKOO_"}, {"od", ""}}, error);
+  return args.checkKeys(keys, kOdPrefixes, error, {kOrKey, kRrKey, kReturnRrKey}) &&
+         checkBy(args, error) && args.checkValues({{"options", "ZKOO_"}, {"od", ""}}, error);
 }
 
 bool runOpen(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
@@ -686,6 +974,11 @@ bool runOpen(ScenarioContext &context, const ScenarioCommand &cmd, std::string &
   }
   ZKLONG options = b.od->ObjectType == ZKOT_Q_MGR ? ZKOO_INQUIRE : ZKOO_OUTPUT;
   if (args.has("options") && !parseValue(args.get("options"), "ZKOO_", options, error)) {
+    return false;
+  }
+  Returned returned;
+  if (!returned.prepare(context, args, "od", error) ||
+      !returned.prepareRecords(context, args, b.destinations, error)) {
     return false;
   }
   ZKHCONN hconn = c->hconn;
@@ -716,6 +1009,9 @@ bool runOpen(ScenarioContext &context, const ScenarioCommand &cmd, std::string &
   };
   context.qmgr.perform(*c, api, [&]() {
     context.qmgr.engine().open(hconn, pOd, options, pHobj, &compCode, &reason);
+    returned.apply("od", pOd);
+    returned.apply("rr", b.responses, b.destinations);
+    returned.log(context, *c);
   });
   c->keep("od", b.od, sizeof(ZKOD));
   std::string details;
@@ -797,8 +1093,8 @@ bool checkPut(const ScenarioCommand &cmd, std::string &error) {
     return false;
   }
   Args args(cmd, 3);
-  return args.checkKeys(kPutKeys, {"md", "pmo"}, error) && checkBy(args, error) &&
-         args.checkValues(kPutValues, error);
+  return args.checkKeys(kPutKeys, kPutPrefixes, error, {kPmrKey, kRrKey, kReturnRrKey}) &&
+         checkBy(args, error) && args.checkValues(kPutValues, error);
 }
 
 bool runPut(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
@@ -811,11 +1107,10 @@ bool runPut(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
   Args args(cmd, 3);
   auto list = c->listSizes.find(handleName);
   PutBlock b;
-  if (!buildPut(context, *c, args, list != c->listSizes.end() ? list->second : 0, b, error)) {
+  if (!buildPut(context, *c, args, list != c->listSizes.end() ? list->second : 0, true, b, error)) {
     return false;
   }
-  putCall(context, *c, handleName, hobj, nullptr, b, args);
-  return true;
+  return putCall(context, *c, handleName, hobj, nullptr, b, args, error);
 }
 
 bool checkPut1(const ScenarioCommand &cmd, std::string &error) {
@@ -825,8 +1120,11 @@ bool checkPut1(const ScenarioCommand &cmd, std::string &error) {
   Args args(cmd, 3);
   std::vector<std::string> keys = kPutKeys;
   keys.insert(keys.end(), kOdKeys.begin(), kOdKeys.end());
-  return args.checkKeys(keys, {"md", "pmo", "od"}, error) && checkBy(args, error) &&
-         args.checkValues(kPutValues, error) && args.checkValues({{"od", ""}}, error);
+  std::vector<std::string> prefixes = kPutPrefixes;
+  prefixes.insert(prefixes.end(), kOdPrefixes.begin(), kOdPrefixes.end());
+  return args.checkKeys(keys, prefixes, error, {kPmrKey, kOrKey, kRrKey, kReturnRrKey}) &&
+         checkBy(args, error) && args.checkValues(kPutValues, error) &&
+         args.checkValues({{"od", ""}}, error);
 }
 
 bool runPut1(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
@@ -840,11 +1138,10 @@ bool runPut1(ScenarioContext &context, const ScenarioCommand &cmd, std::string &
     return false;
   }
   PutBlock b;
-  if (!buildPut(context, *c, args, o.destinations, b, error)) {
+  if (!buildPut(context, *c, args, o.destinations, false, b, error)) {
     return false;
   }
-  putCall(context, *c, cmd.words[2], 0, o.od, b, args);
-  return true;
+  return putCall(context, *c, cmd.words[2], 0, &o, b, args, error);
 }
 
 // ---- get ------------------------------------------------------------------------------
@@ -856,7 +1153,7 @@ bool checkGet(const ScenarioCommand &cmd, std::string &error) {
   Args args(cmd, 3);
   return args.checkKeys({"md", "gmo", "options", "wait", "buffer", "match", "msgid", "correlid",
                          "ccsid", "encoding", "save", "datalength"},
-                        {"md", "gmo"}, error) &&
+                        {"md", "gmo", "return.md", "return.gmo"}, error) &&
          args.checkValues({{"options", "ZKGMO_"},
                            {"wait", "ZKWI_"},
                            {"match", "ZKMO_,ZKMO_MATCH_"},
@@ -912,6 +1209,11 @@ bool runGet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
       !args.applyFields("gmo", &gmo, structNamed("ZKGMO"), resolverOf(context), error)) {
     return false;
   }
+  Returned returned;
+  if (!returned.prepare(context, args, "md", error) ||
+      !returned.prepare(context, args, "gmo", error)) {
+    return false;
+  }
   std::vector<unsigned char> buffer(static_cast<std::size_t>(std::max<ZKLONG>(bufferLength, 0)), 0);
   ZKHCONN hconn = c->hconn;
   PZKMD pMd = &md;
@@ -959,6 +1261,9 @@ bool runGet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
                            reasonWithName(reason).c_str());
           runExitPoint(*c, conversion);
         });
+    returned.apply("md", pMd);
+    returned.apply("gmo", pGmo);
+    returned.log(context, *c);
   });
   c->keep("md", &md, sizeof md);
   c->keep("gmo", &gmo, sizeof gmo);

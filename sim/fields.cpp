@@ -606,6 +606,27 @@ int hexDigit(char ch) {
 
 } // namespace
 
+bool isHexForm(const std::string &text) {
+  return text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+}
+
+bool hexBytes(const std::string &text, std::vector<uint8_t> &bytes) {
+  bytes.clear();
+  std::string digits = text.substr(2);
+  if (digits.size() % 2 != 0) {
+    digits = "0" + digits;
+  }
+  for (std::size_t i = 0; i < digits.size(); i += 2) {
+    int hi = hexDigit(digits[i]);
+    int lo = hexDigit(digits[i + 1]);
+    if (hi < 0 || lo < 0) {
+      return false;
+    }
+    bytes.push_back(static_cast<uint8_t>(hi * 16 + lo));
+  }
+  return true;
+}
+
 uint32_t StructDef::lengthOf(const void *structure) const {
   if (lengths.empty() || versionOffset < 0) {
     return size;
@@ -748,15 +769,29 @@ bool setFieldValue(const FieldDef &field, void *structure, const std::string &te
     }
     error = field.name + ": a pointer can only be set to null";
     return false;
-  case FieldKind::Chars:
-    if (text.size() > field.size) {
+  case FieldKind::Chars: {
+    // Text, or any bytes in the 0x form (a NUL or an unknown status byte
+    // that no text can hold); blank-padded either way.
+    std::vector<uint8_t> bytes;
+    if (isHexForm(text)) {
+      if (!hexBytes(text, bytes)) {
+        error = field.name + ": '" + text + "' is not hexadecimal";
+        return false;
+      }
+    } else {
+      bytes.assign(text.begin(), text.end());
+    }
+    if (bytes.size() > field.size) {
       error = field.name + ": '" + text + "' is longer than " + std::to_string(field.size) +
               " characters";
       return false;
     }
     std::memset(p, ' ', field.size);
-    std::memcpy(p, text.data(), text.size());
+    if (!bytes.empty()) {
+      std::memcpy(p, bytes.data(), bytes.size());
+    }
     return true;
+  }
   case FieldKind::Bytes: {
     std::vector<uint8_t> bytes;
     if (!text.empty() && text[0] == '@') {
@@ -764,19 +799,10 @@ bool setFieldValue(const FieldDef &field, void *structure, const std::string &te
         error = field.name + ": nothing saved as '" + text.substr(1) + "'";
         return false;
       }
-    } else if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
-      std::string digits = text.substr(2);
-      if (digits.size() % 2 != 0) {
-        digits = "0" + digits;
-      }
-      for (std::size_t i = 0; i < digits.size(); i += 2) {
-        int hi = hexDigit(digits[i]);
-        int lo = hexDigit(digits[i + 1]);
-        if (hi < 0 || lo < 0) {
-          error = field.name + ": '" + text + "' is not hexadecimal";
-          return false;
-        }
-        bytes.push_back(static_cast<uint8_t>(hi * 16 + lo));
+    } else if (isHexForm(text)) {
+      if (!hexBytes(text, bytes)) {
+        error = field.name + ": '" + text + "' is not hexadecimal";
+        return false;
       }
     } else {
       bytes.assign(text.begin(), text.end());

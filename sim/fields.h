@@ -58,10 +58,17 @@ std::string fieldValueText(const FieldDef &field, const void *structure);
 using ByteResolver = std::function<bool(const std::string &ref, std::vector<uint8_t> &bytes)>;
 
 // Sets a field from scenario text: a number or constant names for integers,
-// text for character fields (blank-padded), 0x-hex, @name or text for byte
-// fields (zero-padded). Pointers can only be set to "null".
+// text or 0x-hex for character fields (blank-padded), 0x-hex, @name or text
+// for byte fields (zero-padded). Pointers can only be set to "null".
 bool setFieldValue(const FieldDef &field, void *structure, const std::string &text,
                    const ByteResolver &resolver, std::string &error);
+
+// "0x" followed by at least one more character: the hexadecimal form of a
+// character or byte field's value.
+bool isHexForm(const std::string &text);
+// The bytes of a value in that form (an odd number of digits has a 0 put in
+// front); false when a character after "0x" is not a hexadecimal digit.
+bool hexBytes(const std::string &text, std::vector<uint8_t> &bytes);
 
 // Hex of a byte run, upper case, no separators.
 std::string hexText(const void *data, std::size_t length);

@@ -234,40 +234,124 @@ std::vector<std::string> Args::all(const std::string &key) const {
   return out;
 }
 
+namespace {
+
+// "name.N" in a list of keys: the word is "name." and a record number.
+bool numberedKey(const std::string &pattern, const std::string &word) {
+  if (pattern.size() < 2 || pattern.compare(pattern.size() - 2, 2, ".N") != 0) {
+    return false;
+  }
+  std::string stem = pattern.substr(0, pattern.size() - 1); // "name."
+  if (word.size() <= stem.size() || word.compare(0, stem.size(), stem) != 0) {
+    return false;
+  }
+  std::string digits = word.substr(stem.size());
+  if (digits.size() > 6 || digits.find_first_not_of("0123456789") != std::string::npos) {
+    return false;
+  }
+  return std::stoi(digits) >= 1;
+}
+
+// The structure that a key prefix names by its last part ("return.md": md).
+const StructDef *prefixStruct(const std::string &prefix) {
+  std::size_t dot = prefix.rfind('.');
+  return findStruct(dot == std::string::npos ? prefix : prefix.substr(dot + 1));
+}
+
+// Tries a value on a scratch structure, so that a wrong value is reported
+// when the file is read.
+bool tryValue(const FieldDef &field, const StructDef &def, const std::string &value,
+              std::string &error) {
+  if (hasVariable(value)) {
+    return true;
+  }
+  std::vector<unsigned char> scratch(def.size, 0);
+  ByteResolver accept = [](const std::string &, std::vector<uint8_t> &) { return true; };
+  return setFieldValue(field, scratch.data(), value, accept, error);
+}
+
+} // namespace
+
+bool splitRecordWord(const std::string &word, const std::string &key, int &number,
+                     std::string &field) {
+  if (word.size() <= key.size() + 1 || word.compare(0, key.size(), key) != 0 ||
+      word[key.size()] != '.') {
+    return false;
+  }
+  std::string rest = word.substr(key.size() + 1);
+  number = 0;
+  std::size_t dot = rest.find('.');
+  if (dot != std::string::npos && dot > 0 && rest.find_first_not_of("0123456789") == dot) {
+    if (dot > 6) {
+      return false;
+    }
+    number = std::stoi(rest.substr(0, dot));
+    rest = rest.substr(dot + 1);
+    if (number < 1) {
+      // Record numbers count from 1: "rr.0.Reason" names no record.
+      number = -1;
+    }
+  }
+  field = rest;
+  return !field.empty();
+}
+
 bool Args::checkKeys(const std::vector<std::string> &keys, const std::vector<std::string> &prefixes,
-                     std::string &error) const {
+                     std::string &error, const std::vector<RecordKey> &records) const {
   for (const auto &kv : named_) {
     bool known = false;
     for (const std::string &k : keys) {
-      if (kv.first == k) {
+      if (kv.first == k || numberedKey(k, kv.first)) {
         known = true;
       }
     }
-    std::size_t dot = kv.first.find('.');
-    if (!known && dot != std::string::npos) {
-      std::string prefix = kv.first.substr(0, dot);
-      for (const std::string &p : prefixes) {
-        if (p != prefix) {
-          continue;
-        }
-        const StructDef *def = findStruct(p);
-        const FieldDef *field = def != nullptr ? def->find(kv.first.substr(dot + 1)) : nullptr;
-        if (field == nullptr) {
-          error = "'" + kv.first + "': " + (def != nullptr ? def->name : p) + " has no such field";
-          return false;
-        }
-        if (!hasVariable(kv.second)) {
-          // Try the value on a scratch structure.
-          std::vector<unsigned char> scratch(def->size, 0);
-          ByteResolver accept = [](const std::string &, std::vector<uint8_t> &) { return true; };
-          std::string why;
-          if (!setFieldValue(*field, scratch.data(), kv.second, accept, why)) {
-            error = why;
-            return false;
-          }
-        }
-        known = true;
+    for (const RecordKey &r : records) {
+      int number = 0;
+      std::string fieldName;
+      if (known || !splitRecordWord(kv.first, r.key, number, fieldName)) {
+        continue;
       }
+      if (number < 0) {
+        error = "'" + kv.first + "': records are counted from 1";
+        return false;
+      }
+      const FieldDef *field = nullptr;
+      const StructDef *def = nullptr;
+      for (const std::string &name : r.structs) {
+        def = findStruct(name);
+        field = def != nullptr ? def->find(fieldName) : nullptr;
+        if (field != nullptr) {
+          break;
+        }
+      }
+      if (field == nullptr) {
+        std::string names;
+        for (const std::string &name : r.structs) {
+          names += (names.empty() ? "" : " or ") + name;
+        }
+        error = "'" + kv.first + "': " + names + " has no such field";
+        return false;
+      }
+      if (!tryValue(*field, *def, kv.second, error)) {
+        return false;
+      }
+      known = true;
+    }
+    for (const std::string &p : prefixes) {
+      if (known || kv.first.size() <= p.size() + 1 || kv.first.compare(0, p.size(), p) != 0 ||
+          kv.first[p.size()] != '.') {
+        continue;
+      }
+      const StructDef *def = prefixStruct(p);
+      const FieldDef *field = def != nullptr ? def->find(kv.first.substr(p.size() + 1)) : nullptr;
+      if (field == nullptr) {
+        error = "'" + kv.first + "': " + (def != nullptr ? def->name : p) + " has no such field";
+        return false;
+      }
+      if (!tryValue(*field, *def, kv.second, error)) {
+        return false;
+      }
+      known = true;
     }
     if (!known) {
       std::string list;
@@ -277,7 +361,68 @@ bool Args::checkKeys(const std::vector<std::string> &keys, const std::vector<std
       for (const std::string &p : prefixes) {
         list += (list.empty() ? "" : ", ") + p + ".FIELD";
       }
+      for (const RecordKey &r : records) {
+        list += (list.empty() ? "" : ", ") + r.key + "[.N].FIELD";
+      }
       error = "unknown key '" + kv.first + "'" + (list.empty() ? "" : " (" + list + ")");
+      return false;
+    }
+  }
+  return true;
+}
+
+bool Args::checkRecordCount(const std::string &key, int count, const std::string &what,
+                            std::string &error) const {
+  for (const auto &kv : named_) {
+    int number = 0;
+    std::string field;
+    if (!splitRecordWord(kv.first, key, number, field)) {
+      continue;
+    }
+    if (count <= 0) {
+      error = "'" + kv.first + "': the call passes no " + what;
+      return false;
+    }
+    if (number > count) {
+      error = "'" + kv.first + "': the call passes " + std::to_string(count) + " " + what;
+      return false;
+    }
+  }
+  return true;
+}
+
+bool Args::applyRecordFields(const std::string &key, int number,
+                             const std::vector<RecordTarget> &targets, const ByteResolver &resolver,
+                             std::string &error) const {
+  for (const auto &kv : named_) {
+    int n = 0;
+    std::string fieldName;
+    if (!splitRecordWord(kv.first, key, n, fieldName) || (n != 0 && n != number)) {
+      continue;
+    }
+    const RecordTarget *target = nullptr;
+    const FieldDef *field = nullptr;
+    for (const RecordTarget &t : targets) {
+      field = t.def->find(fieldName);
+      if (field != nullptr) {
+        target = &t;
+        break;
+      }
+    }
+    if (field == nullptr) {
+      error = "'" + kv.first + "': no such field in these records";
+      return false;
+    }
+    if (field->offset + field->size > target->length) {
+      if (n == 0) {
+        continue;
+      }
+      error = "'" + kv.first + "': record " + std::to_string(number) + " (" +
+              std::to_string(target->length) + " bytes) does not reach " + field->name;
+      return false;
+    }
+    if (!setFieldValue(*field, target->record, kv.second, resolver, error)) {
+      error = kv.first + ": " + error;
       return false;
     }
   }
@@ -301,12 +446,12 @@ bool Args::checkValues(const std::vector<std::pair<std::string, std::string>> &k
 bool Args::applyFields(const std::string &prefix, void *structure, const StructDef &def,
                        const ByteResolver &resolver, std::string &error) const {
   for (const auto &kv : named_) {
-    std::size_t dot = kv.first.find('.');
-    if (dot == std::string::npos || kv.first.substr(0, dot) != prefix) {
+    if (kv.first.size() <= prefix.size() + 1 || kv.first.compare(0, prefix.size(), prefix) != 0 ||
+        kv.first[prefix.size()] != '.') {
       continue;
     }
-    if (!setNamedField(structure, def, kv.first, kv.first.substr(dot + 1), kv.second, resolver,
-                       error)) {
+    if (!setNamedField(structure, def, kv.first, kv.first.substr(prefix.size() + 1), kv.second,
+                       resolver, error)) {
       return false;
     }
   }

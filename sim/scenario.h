@@ -104,6 +104,31 @@ extern const CommandRow kPcfParameters[];
 
 // ---- helpers for the commands --------------------------------------------------
 
+// Records that a call passes several of (response records, object records,
+// put-message records, authentication records) take their fields by a key of
+// their own: "KEY.Field=value" sets the field in every record,
+// "KEY.N.Field=value" in record N (counted from 1). The field is looked up
+// in `structs` in order: the put-message records and their response records
+// share one key.
+struct RecordKey {
+  std::string key;                  // "rr"
+  std::vector<std::string> structs; // "ZKRR"
+};
+
+// One record that a record key's words are set into, and the bytes of it
+// that exist (a version-1 record is shorter than the structure).
+struct RecordTarget {
+  const StructDef *def = nullptr;
+  void *record = nullptr;
+  uint32_t length = 0;
+};
+
+// Splits a word of a record key: "rr.2.Reason" of key "rr" gives record 2
+// and field "Reason", "rr.Reason" record 0 (every record). False when the
+// word is not of that key.
+bool splitRecordWord(const std::string &word, const std::string &key, int &number,
+                     std::string &field);
+
 // The key=value words of a command after its positional words.
 class Args {
 public:
@@ -116,10 +141,12 @@ public:
   // The last value of a key, or `fallback`.
   std::string get(const std::string &key, const std::string &fallback = "") const;
   std::vector<std::string> all(const std::string &key) const;
-  // Every named word must be one of `keys` or "prefix.Field" of one of the
-  // structures `prefixes` (by their keys: "md", "pmo").
+  // Every named word must be one of `keys`, "prefix.Field" of one of the
+  // structures `prefixes`, or a field of the records of one of `records`.
+  // A prefix names its structure by its last part: "md" and "return.md"
+  // both the ZKMD. A key "name.N" stands for "name.1", "name.2" ...
   bool checkKeys(const std::vector<std::string> &keys, const std::vector<std::string> &prefixes,
-                 std::string &error) const;
+                 std::string &error, const std::vector<RecordKey> &records = {}) const;
   // Each of the keys given (with the constant prefixes its values take)
   // that is present must hold a number or constants.
   bool checkValues(const std::vector<std::pair<std::string, std::string>> &keyPrefixes,
@@ -127,6 +154,17 @@ public:
   // Sets the "prefix.Field=value" words into a structure.
   bool applyFields(const std::string &prefix, void *structure, const StructDef &def,
                    const ByteResolver &resolver, std::string &error) const;
+  // A call that passes `count` records of the key: false with `error` when a
+  // word names a record beyond them (or any record when there are none).
+  bool checkRecordCount(const std::string &key, int count, const std::string &what,
+                        std::string &error) const;
+  // Sets the words of a record key that apply to record `number` (from 1):
+  // each field into the first of `targets` whose structure has it. A field
+  // beyond the bytes that the record has is left out when the word is for
+  // every record, and an error when it names this record.
+  bool applyRecordFields(const std::string &key, int number,
+                         const std::vector<RecordTarget> &targets, const ByteResolver &resolver,
+                         std::string &error) const;
   // The same with the field names of a header given bare ("Reason=2053").
   bool applyBareFields(void *structure, const StructDef &def, const std::vector<std::string> &skip,
                        const ByteResolver &resolver, std::string &error) const;

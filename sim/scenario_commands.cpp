@@ -427,7 +427,16 @@ bool runExpect(ScenarioContext &context, const ScenarioCommand &cmd, std::string
       actual = "(no " + def->name + " from the last call)";
     } else {
       actual = fieldValueText(*field, it->second.data());
-      if (field->kind == FieldKind::Chars) {
+      std::vector<unsigned char> bytes(def->size, 0);
+      std::string why;
+      if ((field->kind == FieldKind::Chars || field->kind == FieldKind::Bytes) &&
+          isHexForm(wanted) && setFieldValue(*field, bytes.data(), wanted, nullptr, why)) {
+        // A character or byte field expected in the 0x form: its bytes
+        // compared with those of the value, padded as a set value is.
+        const unsigned char *have = it->second.data() + field->offset;
+        actual = "0x" + hexText(have, field->size);
+        wanted = std::memcmp(have, bytes.data() + field->offset, field->size) == 0 ? actual : "";
+      } else if (field->kind == FieldKind::Chars) {
         actual = actual.substr(1, actual.size() - 2);
       } else if (field->kind == FieldKind::Int32) {
         ZKLONG n = 0;

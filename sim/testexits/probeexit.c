@@ -34,9 +34,21 @@
  *                  (user area, problem-determination area, Feedback,
  *                  chain area), which is allowed
  *   suppress-chain every BEFORE: answers SUPPRESS_CHAIN
- *   skip-put       ZKPUT BEFORE: answers SKIP_FUNCTION (the put is not made) */
+ *   skip-put       ZKPUT BEFORE: answers SKIP_FUNCTION (the put is not made)
+ *
+ * and one word makes it report what it receives, changing nothing:
+ *   show           BEFORE and AFTER of ZKCONNX, ZKOPEN, ZKPUT, ZKPUT1, ZKGET
+ *                  and ZKBEGIN: the structures of the call and what they
+ *                  lead to (channel definition, TLS options, authentication
+ *                  records and their LDAP user names, security parameters,
+ *                  object, put-message and response records, strings), each
+ *                  reached as an exit reaches it, by pointer or else by
+ *                  offset, as far as the structure's version takes it; one
+ *                  line each ("probe A: BEFORE ZKOPEN: ZKOR[1] 'Q1' ''"). */
+#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include "exit_parameters.h"
 #include "zk/zkxfunc.h"
@@ -115,6 +127,190 @@ static void common(PZKAXP p, PZKAXC c) {
   }
 }
 
+/* ---- show: what the exit receives ------------------------------------------ */
+
+/* What a pointer field or, when it is null, an offset from `base` leads to. */
+static const void *reach(const void *base, const void *pointer, ZKLONG offset) {
+  return pointer != NULL ? pointer : offset != 0 ? (const char *)base + offset : NULL;
+}
+
+static const char *how(const void *pointer, ZKLONG offset) {
+  return pointer != NULL ? "by pointer" : offset != 0 ? "by offset" : "none";
+}
+
+/* Text of at most `n` bytes of a string (bounded, so that a wrong length
+ * cannot flood the report), characters outside printable ASCII as '.'. */
+static const char *text(const void *p, ZKLONG n, char *out, size_t room) {
+  size_t k = 0;
+  const unsigned char *b = p;
+  for (ZKLONG i = 0; b != NULL && i < n && k + 1 < room; ++i) {
+    out[k++] = (b[i] >= 0x20 && b[i] < 0x7f) ? (char)b[i] : '.';
+  }
+  out[k] = '\0';
+  return out;
+}
+
+static const char *hex(const void *p, size_t n, char *out, size_t room) {
+  static const char digits[] = "0123456789ABCDEF";
+  const unsigned char *b = p;
+  size_t k = 0;
+  for (size_t i = 0; i < n && k + 2 < room; ++i) {
+    out[k++] = digits[b[i] >> 4];
+    out[k++] = digits[b[i] & 15];
+  }
+  out[k] = '\0';
+  return out;
+}
+
+/* Records and string lengths read from the structures are bounded. */
+static ZKLONG bounded(ZKLONG n, ZKLONG max) {
+  return n < 0 ? 0 : n > max ? max : n;
+}
+
+static void show(const PZKAXP p, const char *format, ...) {
+  char name[49];
+  va_list args;
+  fprintf(stderr, "probe %s: %s %s: ", field(p->ExitInfoName, sizeof p->ExitInfoName, name),
+          before(p) ? "BEFORE" : "AFTER", functionName(p->Function));
+  va_start(args, format);
+  vfprintf(stderr, format, args);
+  va_end(args);
+  fputc('\n', stderr);
+}
+
+static void showCno(const PZKAXP p, const ZKCNO *o) {
+  char a[1100], b[1100];
+  show(p, "ZKCNO v%d options 0x%08X", o->Version, (unsigned)o->Options);
+  if (o->Version >= 2) {
+    const ZKCD *cd = reach(o, o->ClientConnPtr, o->ClientConnOffset);
+    if (cd != NULL) {
+      show(p, "ZKCD v%d %s, StrucLength %d, ChannelName '%s', BatchSize %d", cd->Version,
+           how(o->ClientConnPtr, o->ClientConnOffset), cd->StrucLength,
+           field(cd->ChannelName, sizeof cd->ChannelName, a), cd->BatchSize);
+    }
+  }
+  if (o->Version >= 4) {
+    const ZKSCO *sco = reach(o, o->SSLConfigPtr, o->SSLConfigOffset);
+    if (sco != NULL) {
+      show(p, "ZKSCO v%d %s, KeyRepository '%s', %d ZKAIR %s", sco->Version,
+           how(o->SSLConfigPtr, o->SSLConfigOffset),
+           field(sco->KeyRepository, sizeof sco->KeyRepository, a), sco->AuthInfoRecCount,
+           how(sco->AuthInfoRecPtr, sco->AuthInfoRecOffset));
+      const char *rec = reach(sco, sco->AuthInfoRecPtr, sco->AuthInfoRecOffset);
+      ZKLONG count = rec != NULL ? bounded(sco->AuthInfoRecCount, 100) : 0;
+      for (ZKLONG i = 0; i < count; ++i) {
+        const ZKAIR *air = (const ZKAIR *)rec;
+        const char *user = reach(air, air->LDAPUserNamePtr, air->LDAPUserNameOffset);
+        show(p, "ZKAIR[%d] v%d type %d, AuthInfoConnName '%s', LDAPUserName '%s' %s", i + 1,
+             air->Version, air->AuthInfoType,
+             field(air->AuthInfoConnName, sizeof air->AuthInfoConnName, a),
+             text(user, bounded(air->LDAPUserNameLength, 1024), b, sizeof b),
+             how(air->LDAPUserNamePtr, air->LDAPUserNameOffset));
+        if (air->Version >= 2) {
+          show(p, "ZKAIR[%d] OCSPResponderURL '%s'", i + 1,
+               field(air->OCSPResponderURL, sizeof air->OCSPResponderURL, a));
+        }
+        rec += air->Version >= 2 ? ZKAIR_LENGTH_2 : ZKAIR_LENGTH_1;
+      }
+    }
+  }
+  if (o->Version >= 5) {
+    const ZKCSP *csp = reach(o, o->SecurityParmsPtr, o->SecurityParmsOffset);
+    if (csp != NULL) {
+      const void *user = reach(csp, csp->CSPUserIdPtr, csp->CSPUserIdOffset);
+      const void *password = reach(csp, csp->CSPPasswordPtr, csp->CSPPasswordOffset);
+      show(p, "ZKCSP v%d %s, type %d, user '%s' %s, password '%s' %s", csp->Version,
+           how(o->SecurityParmsPtr, o->SecurityParmsOffset), csp->AuthenticationType,
+           text(user, bounded(csp->CSPUserIdLength, 1024), a, sizeof a),
+           how(csp->CSPUserIdPtr, csp->CSPUserIdOffset),
+           text(password, bounded(csp->CSPPasswordLength, 1024), b, sizeof b),
+           how(csp->CSPPasswordPtr, csp->CSPPasswordOffset));
+    }
+  }
+}
+
+static void showString(const PZKAXP p, const void *base, const char *name, const ZKCHARV *v) {
+  char a[1100];
+  const void *s = reach(base, v->VSPtr, v->VSOffset);
+  ZKLONG n = v->VSLength == -1 && s != NULL ? (ZKLONG)strlen(s) : v->VSLength;
+  show(p, "%s '%s' %s, VSLength %d, VSBufSize %d, VSCCSID %d", name,
+       text(s, bounded(n, 1024), a, sizeof a), how(v->VSPtr, v->VSOffset), v->VSLength,
+       v->VSBufSize, v->VSCCSID);
+}
+
+static void showOd(const PZKAXP p, const ZKOD *od) {
+  char a[64], b[64];
+  show(p, "ZKOD v%d type %d, ObjectName '%s', ObjectQMgrName '%s'", od->Version, od->ObjectType,
+       field(od->ObjectName, sizeof od->ObjectName, a),
+       field(od->ObjectQMgrName, sizeof od->ObjectQMgrName, b));
+  if (od->Version >= 2 && od->RecsPresent > 0) {
+    const ZKOR *ors = reach(od, od->ObjectRecPtr, od->ObjectRecOffset);
+    const ZKRR *rrs = reach(od, od->ResponseRecPtr, od->ResponseRecOffset);
+    show(p, "ZKOD %d records, ZKOR %s, ZKRR %s", od->RecsPresent,
+         how(od->ObjectRecPtr, od->ObjectRecOffset),
+         how(od->ResponseRecPtr, od->ResponseRecOffset));
+    for (ZKLONG i = 0; i < bounded(od->RecsPresent, 100); ++i) {
+      if (ors != NULL) {
+        show(p, "ZKOR[%d] '%s' '%s'", i + 1, field(ors[i].ObjectName, sizeof ors[i].ObjectName, a),
+             field(ors[i].ObjectQMgrName, sizeof ors[i].ObjectQMgrName, b));
+      }
+      if (rrs != NULL) {
+        show(p, "ZKOD ZKRR[%d] CompCode %d Reason %d", i + 1, rrs[i].CompCode, rrs[i].Reason);
+      }
+    }
+  }
+  if (od->Version >= 4) {
+    showString(p, od, "ObjectString", &od->ObjectString);
+    showString(p, od, "SelectionString", &od->SelectionString);
+    showString(p, od, "ResObjectString", &od->ResObjectString);
+  }
+}
+
+static void showMd(const PZKAXP p, const ZKMD *md) {
+  char a[16], b[64];
+  show(p, "ZKMD v%d Format '%s' Priority %d MsgId %s", md->Version,
+       field(md->Format, sizeof md->Format, a), md->Priority,
+       hex(md->MsgId, sizeof md->MsgId, b, sizeof b));
+}
+
+static void showPmo(const PZKAXP p, const ZKPMO *pmo) {
+  char a[256];
+  show(p, "ZKPMO v%d options 0x%08X", pmo->Version, (unsigned)pmo->Options);
+  if (pmo->Version < 2 || pmo->RecsPresent <= 0) {
+    return;
+  }
+  const unsigned char *pmr = reach(pmo, pmo->PutMsgRecPtr, pmo->PutMsgRecOffset);
+  const ZKRR *rrs = reach(pmo, pmo->ResponseRecPtr, pmo->ResponseRecOffset);
+  ZKLONG f = pmo->PutMsgRecFields;
+  size_t unit = ((f & ZKPMRF_MSG_ID) ? 24 : 0) + ((f & ZKPMRF_CORREL_ID) ? 24 : 0) +
+                ((f & ZKPMRF_GROUP_ID) ? 24 : 0) + ((f & ZKPMRF_FEEDBACK) ? 4 : 0) +
+                ((f & ZKPMRF_ACCOUNTING_TOKEN) ? 32 : 0);
+  show(p, "ZKPMO %d records, PutMsgRecFields 0x%08X, ZKPMR %s, ZKRR %s", pmo->RecsPresent,
+       (unsigned)f, how(pmo->PutMsgRecPtr, pmo->PutMsgRecOffset),
+       how(pmo->ResponseRecPtr, pmo->ResponseRecOffset));
+  for (ZKLONG i = 0; i < bounded(pmo->RecsPresent, 100); ++i) {
+    if (pmr != NULL && unit > 0) {
+      show(p, "ZKPMR[%d] %s", i + 1, hex(pmr + i * unit, unit, a, sizeof a));
+    }
+    if (rrs != NULL) {
+      show(p, "ZKPMO ZKRR[%d] CompCode %d Reason %d", i + 1, rrs[i].CompCode, rrs[i].Reason);
+    }
+  }
+}
+
+static void showGmo(const PZKAXP p, const ZKGMO *gmo) {
+  if (gmo->Version >= 2) {
+    show(p,
+         "ZKGMO v%d options 0x%08X, MatchOptions 0x%08X, GroupStatus 0x%02X, "
+         "SegmentStatus 0x%02X, Segmentation 0x%02X",
+         gmo->Version, (unsigned)gmo->Options, (unsigned)gmo->MatchOptions,
+         (unsigned char)gmo->GroupStatus, (unsigned char)gmo->SegmentStatus,
+         (unsigned char)gmo->Segmentation);
+  } else {
+    show(p, "ZKGMO v%d options 0x%08X", gmo->Version, (unsigned)gmo->Options);
+  }
+}
+
 EXPORT ZK_INIT_EXIT ProbeEntry;
 EXPORT ZK_INIT_EXIT ProbeInit;
 EXPORT ZK_TERM_EXIT ProbeTerm;
@@ -139,6 +335,9 @@ EXPORT void ProbeConn(PZKAXP p, PZKAXC c, PZKCHAR q, PPZKCNO cno, PPZKHCONN h, P
                       PZKLONG rc) {
   (void)q, (void)h, (void)cc, (void)rc;
   common(p, c);
+  if (hasWord(p, "show") && p->Function == ZKXF_CONNX && *cno != NULL) {
+    showCno(p, *cno);
+  }
   if (!before(p) || *cno == NULL || p->Function != ZKXF_CONNX) {
     return;
   }
@@ -179,6 +378,9 @@ EXPORT void ProbeOpen(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKOD od, PZKLONG o, PPZK
                       PZKLONG cc, PZKLONG rc) {
   (void)h, (void)o, (void)hobj, (void)cc, (void)rc;
   common(p, c);
+  if (hasWord(p, "show") && *od != NULL) {
+    showOd(p, *od);
+  }
   if (before(p) && hasWord(p, "od-name") && *od != NULL) {
     (*od)->ObjectName[0] = 'X';
   }
@@ -194,6 +396,14 @@ static ZKMD mdCopy;
 
 static void putCommon(PZKAXP p, PZKHOBJ hobj, PPZKMD md, PPZKPMO pmo, PZKLONG length,
                       PPZKVOID buffer, PZKLONG cc) {
+  if (hasWord(p, "show")) {
+    if (*md != NULL) {
+      showMd(p, *md);
+    }
+    if (*pmo != NULL) {
+      showPmo(p, *pmo);
+    }
+  }
   if (before(p)) {
     if (hasWord(p, "md-priority") && *md != NULL) {
       (*md)->Priority += 1;
@@ -234,15 +444,26 @@ EXPORT void ProbePut(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ hobj, PPZKMD md, PP
 
 EXPORT void ProbePut1(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKOD od, PPZKMD md, PPZKPMO pmo,
                       PZKLONG length, PPZKVOID buffer, PZKLONG cc, PZKLONG rc) {
-  (void)h, (void)od, (void)rc;
+  (void)h, (void)rc;
   common(p, c);
+  if (hasWord(p, "show") && *od != NULL) {
+    showOd(p, *od);
+  }
   putCommon(p, NULL, md, pmo, length, buffer, cc);
 }
 
 EXPORT void ProbeGet(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ hobj, PPZKMD md, PPZKGMO gmo,
                      PZKLONG length, PPZKVOID buffer, PPZKLONG dataLength, PZKLONG cc, PZKLONG rc) {
-  (void)h, (void)hobj, (void)md, (void)gmo, (void)cc;
+  (void)h, (void)hobj, (void)cc;
   common(p, c);
+  if (hasWord(p, "show") && p->Function == ZKXF_GET) {
+    if (*md != NULL) {
+      showMd(p, *md);
+    }
+    if (*gmo != NULL) {
+      showGmo(p, *gmo);
+    }
+  }
   if (p->Function == ZKXF_DATA_CONV_ON_GET && hasWord(p, "conv-buffer") && *buffer != NULL &&
       *length > 0) {
     ((unsigned char *)*buffer)[0] ^= 0x01;
@@ -268,8 +489,15 @@ EXPORT void ProbeInq(PZKAXP p, PZKAXC c, PZKHCONN h, PZKHOBJ hobj, PZKLONG count
 }
 
 EXPORT void ProbeBegin(PZKAXP p, PZKAXC c, PZKHCONN h, PPZKBO bo, PZKLONG cc, PZKLONG rc) {
-  (void)h, (void)bo, (void)cc, (void)rc;
+  (void)h, (void)cc, (void)rc;
   common(p, c);
+  if (hasWord(p, "show")) {
+    if (*bo != NULL) {
+      show(p, "ZKBO v%d options 0x%08X", (*bo)->Version, (unsigned)(*bo)->Options);
+    } else {
+      show(p, "no ZKBO");
+    }
+  }
 }
 
 EXPORT void ProbeCmit(PZKAXP p, PZKAXC c, PZKHCONN h, PZKLONG cc, PZKLONG rc) {

@@ -493,6 +493,72 @@ case_scenario_blocks() {
   contains out.log "c1 EXPECTATION FAILED (line 4): compcode is 0, expected 2"
 }
 
+# ---- structures with any field value ------------------------------------------------
+
+case_scenario_structures() {
+  # Without exits: every expectation holds (the queue manager's results,
+  # what it returns where the scenario says, bytes in character fields)
+  # and the log is the expected one.
+  run_zkqm --no-exit --scenario "$SCN/structures.scn"
+  expect_status 0
+  [ ! -s err.txt ] || fail "unexpected messages: $(cat err.txt)"
+  same_as structures.log out.log
+  cp out.log plain.log
+  # Through the probe exit, which reports what it receives: the values that
+  # the scenario set before each call, and those returned, reach the exit
+  # by pointer and by offset; the parameter check holds; the application
+  # sees what it sees without exits.
+  need_probe
+  ini_stanza probe ProbeEntry "$PROBE" "quiet show" 1
+  run_zkqm --ini qm.ini --scenario "$SCN/structures.scn"
+  expect_status 0
+  lacks out.log "PARAMETER CHANGED"
+  same_as probe_structures.err err.txt
+  application_view plain.log >want.log
+  application_view out.log >app.log
+  diff -u want.log app.log >&2 || fail "with the probe exit the calls returned something else"
+}
+
+case_scenario_structure_errors() {
+  # Keys of records, returned values and bytes that cannot be used: the
+  # file is refused when it is read (with its line), or the command when
+  # it runs (a record that the call does not pass).
+  local scn
+  refused() {
+    printf 'connection c1\nconnect c1\n%s\n' "$1" >bad.scn
+    run_zkqm --no-exit --scenario bad.scn
+    expect_status 2
+    contains err.txt "$2"
+  }
+  refused "open c1 l - list=A,B rr.0.CompCode=1" "bad.scn:3: 'rr.0.CompCode': records are counted from 1"
+  refused "open c1 l - list=A,B rr.1.Feedback=1" "bad.scn:3: 'rr.1.Feedback': ZKRR has no such field"
+  refused "open c1 l - list=A,B rr.3.Reason=1" "bad.scn:3: 'rr.3.Reason': the call passes 2 response records"
+  refused "open c1 q A rr.Reason=1" "bad.scn:3: 'rr.Reason': the call passes no response records"
+  refused "open c1 l - list=A,B or.1.ObjectName=0x4G" "ObjectName: '0x4G' is not hexadecimal"
+  refused "put c1 1 pmr=MSG_ID records=2 pmr.2.GroupId=G" "bad.scn:3: 'pmr.2.GroupId': the put-message records (pmr=) hold no GroupId"
+  refused "put c1 1 records=1001" "records=1001: a number of records from 0 to 1000"
+  refused "put c1 1 md.ReplyToQ=0xZZ" "ReplyToQ: '0xZZ' is not hexadecimal"
+  refused "get c1 1 gmo.GroupStatus=0x0000" "GroupStatus: '0x0000' is longer than 1 characters"
+  refused "get c1 1 return.gmo.NoSuchField=1" "bad.scn:3: 'return.gmo.NoSuchField': ZKGMO has no such field"
+  refused "get c1 1 return.rr.1.Reason=1" "unknown key 'return.rr.1.Reason'"
+  refused "connx c1 sco=1 air=1,2 air.1.OCSPResponderURL=x" "'air.1.OCSPResponderURL': record 1 (320 bytes) does not reach OCSPResponderURL"
+  refused "connx c1 sco=1 air=1 ldap.2=cn=x" "'ldap.2': the call passes 1 authentication records (air=)"
+  # A field for every record leaves out the records too short for it.
+  printf 'connection c1\nconnx c1 sco=1 air=1,2 air.OCSPResponderURL=http://o\nexpect c1 compcode OK\n' >ok.scn
+  run_zkqm --no-exit --scenario ok.scn
+  expect_status 0
+  # Bytes expected in the 0x form are compared byte for byte: a blank is
+  # not a NUL, and a byte field is zero-padded.
+  printf '%s\n' "define qlocal Q" "connection c1" "connect c1" "open c1 q Q options=OUTPUT+INPUT_SHARED" \
+    "put c1 q text=x md=2 md.GroupId=0x01" "get c1 q gmo=2 md=2 return.gmo.GroupStatus=0x00" \
+    "expect c1 gmo.GroupStatus 0x20" "expect c1 gmo.GroupStatus 0x00" "expect c1 md.GroupId 0x0001" >hex.scn
+  run_zkqm --no-exit --scenario hex.scn
+  expect_status 1
+  contains out.log "c1 EXPECTATION FAILED (line 7): gmo.GroupStatus is 0x00, expected 0x20"
+  contains out.log "c1 expectation met: gmo.GroupStatus 0x00"
+  contains out.log "c1 EXPECTATION FAILED (line 9): md.GroupId is 0x010000000000000000000000000000000000000000000000, expected 0x0001"
+}
+
 case_deterministic_log() {
   # Threads and processes: the log is the same from run to run.
   run_zkqm --no-exit --scenario "$BUNDLED/load.scn"
