@@ -44,61 +44,59 @@ void AppendCharacterImage(TraceText *line, const CodeRangeMap *map, const unsign
   TraceTextAppendRepeat(line, '.', pendingCount);
 }
 
-// Starts the line of a byte field with its name; the bytes are none when
-// there is no address or a negative length. With the null check, a field
-// that is empty or all zero is written as "(null)" and true comes back,
-// with what writing returned in *written.
-bool StartByteField(TraceText *line, ExitControlBlock *cb, const char *name,
-                    const unsigned char *data, int32_t *length, uint8_t nullCheck,
-                    int32_t *written) {
-  if (data == nullptr || *length < 0) {
-    *length = 0;
-  }
-  TraceTextStartField(line, cb, name);
-  if (nullCheck != 0 && (*length < 1 || AllZero(data, *length))) {
-    TraceTextAppend(line, "(null)\n", 7);
-    *written = TraceTextWrite(line);
-    return true;
-  }
-  return false;
+bool IsNullField(const unsigned char *data, int32_t length) {
+  return length < 1 || AllZero(data, length);
 }
 
 } // namespace
 
-int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, const void *bytes,
-                                     int32_t length, uint8_t nullCheck, uint8_t hex,
-                                     uint8_t endOfLine) {
+void TraceTextAppendHexSingleLine(TraceText *line, const void *bytes, int32_t length,
+                                  uint8_t nullCheck, uint8_t hex, uint8_t endOfLine) {
   const unsigned char *data = (const unsigned char *)bytes;
-  TraceText line;
-  int32_t written = 0;
-  if (StartByteField(&line, cb, name, data, &length, nullCheck, &written)) {
-    return written;
+  if (data == nullptr || length < 0) {
+    length = 0;
+  }
+  if (nullCheck != 0 && IsNullField(data, length)) {
+    TraceTextAppend(line, "(null)\n", 7);
+    return;
   }
   if (hex != 0) {
     for (int32_t i = 0; i < length; i++) {
       if (i > 0 && (i & 3) == 0) {
-        TraceTextAppendChar(&line, ' ');
+        TraceTextAppendChar(line, ' ');
       }
-      TraceTextAppend(&line, HexDigitPair(data[i]), 2);
+      TraceTextAppend(line, HexDigitPair(data[i]), 2);
     }
-    TraceTextAppend(&line, "  ", 2);
+    TraceTextAppend(line, "  ", 2);
   }
-  TraceTextAppendChar(&line, '[');
-  AppendCharacterImage(&line, &cb->CodeRange, data, length);
-  TraceTextAppendChar(&line, ']');
+  TraceTextAppendChar(line, '[');
+  AppendCharacterImage(line, &line->Cb->CodeRange, data, length);
+  TraceTextAppendChar(line, ']');
   if (endOfLine != 0) {
-    TraceTextAppendChar(&line, '\n');
+    TraceTextAppendChar(line, '\n');
   }
+}
+
+int32_t ShowParsedHexValueSingleLine(ExitControlBlock *cb, const char *name, const void *bytes,
+                                     int32_t length, uint8_t nullCheck, uint8_t hex,
+                                     uint8_t endOfLine) {
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendHexSingleLine(&line, bytes, length, nullCheck, hex, endOfLine);
   return TraceTextWrite(&line);
 }
 
 int32_t ShowParsedHexValueMultipleLines(ExitControlBlock *cb, const char *name, const void *bytes,
                                         int32_t length, uint8_t nullCheck) {
   const unsigned char *data = (const unsigned char *)bytes;
+  if (data == nullptr || length < 0) {
+    length = 0;
+  }
   TraceText line;
-  int32_t written = 0;
-  if (StartByteField(&line, cb, name, data, &length, nullCheck, &written)) {
-    return written;
+  TraceTextStartField(&line, cb, name);
+  if (nullCheck != 0 && IsNullField(data, length)) {
+    TraceTextAppend(&line, "(null)\n", 7);
+    return TraceTextWrite(&line);
   }
   TraceTextAppendChar(&line, '\n');
   int32_t rc = TraceTextWrite(&line);

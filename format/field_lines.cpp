@@ -40,18 +40,25 @@ int32_t ShowFieldName(ExitControlBlock *cb, const char *name) {
   return TraceTextWrite(&line);
 }
 
+void TraceTextAppendVersionHeader(TraceText *line, const char *structureName, int32_t version) {
+  int32_t start = line->Length;
+  TraceTextAppend(line, "|> --- ", 7);
+  TraceTextAppendString(line, structureName);
+  TraceTextAppend(line, " version ", 9);
+  TraceTextAppendInt32(line, version, 0);
+  // Names are short: unless the buffer was written out just now, the whole
+  // line is still in it and its length is known.
+  int32_t length = line->Length - start;
+  if (length > 0 && length < kVersionLineWidth) {
+    TraceTextAppendRepeat(line, '-', kVersionLineWidth - length);
+  }
+  TraceTextAppendChar(line, '\n');
+}
+
 int32_t ShowDataVersion(ExitControlBlock *cb, const char *structureName, int32_t version) {
   TraceText line;
   TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
-  TraceTextAppend(&line, "|> --- ", 7);
-  TraceTextAppendString(&line, structureName);
-  TraceTextAppend(&line, " version ", 9);
-  TraceTextAppendInt32(&line, version, 0);
-  // Names are short, so the line is still in the buffer and its length known.
-  if (line.Length < kVersionLineWidth) {
-    TraceTextAppendRepeat(&line, '-', kVersionLineWidth - line.Length);
-  }
-  TraceTextAppendChar(&line, '\n');
+  TraceTextAppendVersionHeader(&line, structureName, version);
   return TraceTextWrite(&line);
 }
 
@@ -79,8 +86,7 @@ int32_t ShowFieldValueZkInt64FixedLen(ExitControlBlock *cb, const char *name, ui
   return TraceTextWrite(&line);
 }
 
-int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const void *bytes,
-                                  int32_t length) {
+void TraceTextAppendFieldString(TraceText *line, const void *bytes, int32_t length) {
   const unsigned char *data = (const unsigned char *)bytes;
   if (data == nullptr || length < 0) {
     length = 0;
@@ -89,14 +95,19 @@ int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const 
          (data[length - 1] == '\n' || data[length - 1] == '\r' || data[length - 1] == ' ')) {
     length--;
   }
-  TraceText line;
-  TraceTextStartField(&line, cb, name);
   // Piece by piece: a zero byte ends the text of its piece only.
   for (int32_t start = 0; start < length; start += FIELD_STRING_PIECE) {
     int32_t end = start + FIELD_STRING_PIECE < length ? start + FIELD_STRING_PIECE : length;
-    TraceTextAppendSevenBit(&line, data + start, end - start);
+    TraceTextAppendSevenBit(line, data + start, end - start);
   }
-  TraceTextAppendChar(&line, '\n');
+  TraceTextAppendChar(line, '\n');
+}
+
+int32_t ShowFieldValueStringFixed(ExitControlBlock *cb, const char *name, const void *bytes,
+                                  int32_t length) {
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendFieldString(&line, bytes, length);
   return TraceTextWrite(&line);
 }
 

@@ -13,14 +13,18 @@ constexpr int32_t kFormatLength = 8;
 
 } // namespace
 
+void TraceTextAppendCcsid(TraceText *line, int32_t ccsid, uint8_t fixedWidth) {
+  TraceTextAppendInt32(line, ccsid, fixedWidth != 0 ? 6 : 0);
+  TraceTextAppend(line, " (", 2);
+  TraceTextAppendString(line, SearchConstantCcsidString(ccsid, 0));
+  TraceTextAppend(line, ")\n", 2);
+}
+
 int32_t ShowParsedCommonCcsid(ExitControlBlock *cb, const char *name, int32_t ccsid,
                               uint8_t fixedWidth) {
   TraceText line;
   TraceTextStartField(&line, cb, name);
-  TraceTextAppendInt32(&line, ccsid, fixedWidth != 0 ? 6 : 0);
-  TraceTextAppend(&line, " (", 2);
-  TraceTextAppendString(&line, SearchConstantCcsidString(ccsid, 0));
-  TraceTextAppend(&line, ")\n", 2);
+  TraceTextAppendCcsid(&line, ccsid, fixedWidth);
   return TraceTextWrite(&line);
 }
 
@@ -66,12 +70,9 @@ int32_t ShowParsedMsgFormat(ExitControlBlock *cb, const char *format) {
   return ShowFieldValueStringFixed(cb, "Format", value, used);
 }
 
-int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t value,
-                               uint8_t fixedWidth, uint8_t endOfLine) {
-  TraceText line;
-  TraceTextStartField(&line, cb, name);
-  TraceTextAppendInt32(&line, value, fixedWidth != 0 ? 6 : 0);
-  TraceTextAppend(&line, " (", 2);
+void TraceTextAppendCompression(TraceText *line, int32_t value, uint8_t fixedWidth) {
+  TraceTextAppendInt32(line, value, fixedWidth != 0 ? 6 : 0);
+  TraceTextAppend(line, " (", 2);
   // A word that is not made of known bits alone, or has none, may be one of
   // the whole words ("not available", "none", "any"); any other word lists
   // its known bits in the order of the table, unknown bits left out.
@@ -87,7 +88,7 @@ int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t v
     }
   }
   if (whole != nullptr) {
-    TraceTextAppendString(&line, whole->text);
+    TraceTextAppendString(line, whole->text);
   } else {
     bool first = true;
     for (const ConstantIntEntry *row = Constant_Zkcompress; row->value != CONSTANT_TABLE_END;
@@ -95,41 +96,51 @@ int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t v
       uint32_t bits = (uint32_t)row->value;
       if (bits != 0 && (bits & ~known) == 0 && ((uint32_t)value & bits) == bits) {
         if (!first) {
-          TraceTextAppend(&line, " / ", 3);
+          TraceTextAppend(line, " / ", 3);
         }
-        TraceTextAppendString(&line, row->text);
+        TraceTextAppendString(line, row->text);
         first = false;
       }
     }
   }
-  TraceTextAppendChar(&line, ')');
+  TraceTextAppendChar(line, ')');
+}
+
+int32_t ShowParsedCompressInfo(ExitControlBlock *cb, const char *name, int32_t value,
+                               uint8_t fixedWidth, uint8_t endOfLine) {
+  TraceText line;
+  TraceTextStartField(&line, cb, name);
+  TraceTextAppendCompression(&line, value, fixedWidth);
   if (endOfLine != 0) {
     TraceTextAppendChar(&line, '\n');
   }
   return TraceTextWrite(&line);
 }
 
+void TraceTextAppendEncoding(TraceText *line, int32_t encoding) {
+  TraceTextAppendUInt32(line, (uint32_t)encoding, 0);
+  TraceTextAppendChar(line, ' ');
+  // A named whole encoding first ("(Native encoding) "), then its three parts.
+  const char *whole = SearchConstantInt(encoding, Constant_Zkenc);
+  if (whole[0] != '\0') {
+    TraceTextAppendChar(line, '(');
+    TraceTextAppendString(line, whole);
+    TraceTextAppend(line, ") ", 2);
+  }
+  TraceTextAppendString(line,
+                        SearchConstantInt(encoding & ZKENC_INTEGER_MASK, Constant_Zkenc_integer));
+  TraceTextAppend(line, " / ", 3);
+  TraceTextAppendString(line,
+                        SearchConstantInt(encoding & ZKENC_DECIMAL_MASK, Constant_Zkenc_decimal));
+  TraceTextAppend(line, " / ", 3);
+  TraceTextAppendString(line, SearchConstantInt(encoding & ZKENC_FLOAT_MASK, Constant_Zkenc_float));
+  TraceTextAppendChar(line, '\n');
+}
+
 int32_t ShowParsedEncodingValue(ExitControlBlock *cb, int32_t encoding) {
   TraceText line;
   TraceTextStart(&line, cb, TRACE_TEXT_WRITE_OUT);
   TraceTextAppendFieldName(&line, "Encoding");
-  TraceTextAppendUInt32(&line, (uint32_t)encoding, 0);
-  TraceTextAppendChar(&line, ' ');
-  // A named whole encoding first ("(Native encoding) "), then its three parts.
-  const char *whole = SearchConstantInt(encoding, Constant_Zkenc);
-  if (whole[0] != '\0') {
-    TraceTextAppendChar(&line, '(');
-    TraceTextAppendString(&line, whole);
-    TraceTextAppend(&line, ") ", 2);
-  }
-  TraceTextAppendString(&line,
-                        SearchConstantInt(encoding & ZKENC_INTEGER_MASK, Constant_Zkenc_integer));
-  TraceTextAppend(&line, " / ", 3);
-  TraceTextAppendString(&line,
-                        SearchConstantInt(encoding & ZKENC_DECIMAL_MASK, Constant_Zkenc_decimal));
-  TraceTextAppend(&line, " / ", 3);
-  TraceTextAppendString(&line,
-                        SearchConstantInt(encoding & ZKENC_FLOAT_MASK, Constant_Zkenc_float));
-  TraceTextAppendChar(&line, '\n');
+  TraceTextAppendEncoding(&line, encoding);
   return TraceTextWrite(&line);
 }

@@ -163,6 +163,26 @@ uint32_t CalculateZkcharvDataLength(const ZKCHARV *charv, const void *string,
 const void *ZkcharvStringAddress(const ZKCHARV *charv, const void *string, const void *structure);
 
 // ---------------------------------------------------------------------------
+// The values of the primitives above, appended to a text that is being built,
+// for formatters that write many fields through one text. Each ends the line
+// as its Show... form does.
+
+// The version header line.
+void TraceTextAppendVersionHeader(TraceText *line, const char *structureName, int32_t version);
+// A string value and the newline (ShowFieldValueStringFixed).
+void TraceTextAppendFieldString(TraceText *line, const void *bytes, int32_t length);
+// A byte field on one line (ShowParsedHexValueSingleLine), the character
+// image in the code page of the text's control block.
+void TraceTextAppendHexSingleLine(TraceText *line, const void *bytes, int32_t length,
+                                  uint8_t nullCheck, uint8_t hex, uint8_t endOfLine);
+// A CCSID, its name and the newline (ShowParsedCommonCcsid).
+void TraceTextAppendCcsid(TraceText *line, int32_t ccsid, uint8_t fixedWidth);
+// A compression value and its names in parentheses, no newline.
+void TraceTextAppendCompression(TraceText *line, int32_t value, uint8_t fixedWidth);
+// An encoding value, its names and the newline (ShowParsedEncodingValue).
+void TraceTextAppendEncoding(TraceText *line, int32_t encoding);
+
+// ---------------------------------------------------------------------------
 // Byte order of integers taken from foreign-encoded structures.
 
 // The value in host order: its four bytes reversed when the encoding is not 0

@@ -35,8 +35,11 @@ int32_t CountConstantByteRows(const ConstantByteEntry *table);
 
 // Every table built from the platform's constant families. A family of
 // flags also has the mask of the bits its ZK_FLAG rows name: a flag word's
-// bits outside it are unknown bits.
-#define ZK_FAMILY_BEGIN(table) extern const ConstantIntEntry Constant_##table[];
+// bits outside it are unknown bits. Every family also has the table of
+// its constants' own names (ConstantIdentifier_...), whose end text is empty.
+#define ZK_FAMILY_BEGIN(table)                                                                     \
+  extern const ConstantIntEntry Constant_##table[];                                                \
+  extern const ConstantIntEntry ConstantIdentifier_##table[];
 #define ZK_FAMILY_END(table, endText)
 #define ZK_CONST(name, value, text)
 #define ZK_NAMED(name, value)
@@ -44,6 +47,7 @@ int32_t CountConstantByteRows(const ConstantByteEntry *table);
 #define ZK_ROW(value, text)
 #define ZK_FLAG_FAMILY_BEGIN(table)                                                                \
   extern const ConstantIntEntry Constant_##table[];                                                \
+  extern const ConstantIntEntry ConstantIdentifier_##table[];                                      \
   extern const uint32_t ConstantKnownBits_##table;
 #define ZK_FLAG_FAMILY_END(table, endText)
 #define ZK_FLAG(name, value, text)

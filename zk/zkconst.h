@@ -34,8 +34,10 @@
 
 #include "zktypes.h"
 
-/* Each family is one enumeration, so that its constants share a type. */
-#define ZK_FAMILY_BEGIN(table) enum {
+/* Each family is one enumeration, so that its constants share a type. Its
+ * first enumerator marks the family, so that a family of rows alone is not
+ * an empty enumeration. */
+#define ZK_FAMILY_BEGIN(table) enum { ZkFamilyStart_##table = 0,
 #define ZK_FAMILY_END(table, endText)                                                              \
   }                                                                                                \
   ;
@@ -43,7 +45,7 @@
 #define ZK_NAMED(name, value) name = (ZKLONG)(value),
 #define ZK_ALIAS(name, value) name = (ZKLONG)(value),
 #define ZK_ROW(value, text)
-#define ZK_FLAG_FAMILY_BEGIN(table) enum {
+#define ZK_FLAG_FAMILY_BEGIN(table) enum { ZkFamilyStart_##table = 0,
 #define ZK_FLAG_FAMILY_END(table, endText)                                                         \
   }                                                                                                \
   ;
