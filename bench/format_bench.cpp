@@ -2,7 +2,7 @@
 // a call, in bytes of trace text per second, next to the speed of writing
 // the same number of bytes to a file with plain write() calls.
 // Run: build/bin/wz_format_bench [seconds]
-//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 9, for counting
+//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 12, for counting
 //      instructions: N calls of one row, nothing timed)
 #include <fcntl.h>
 #include <stdio.h>
@@ -16,6 +16,7 @@
 #include "exit/call_records.h"
 #include "exit/control_block.h"
 #include "format/field_primitives.h"
+#include "format/structures.h"
 #include "output/record_writers.h"
 #include "output/trace_file.h"
 
@@ -67,6 +68,59 @@ void SummaryLines(ExitControlBlock *cb) {
   PutSimpleRecord(cb, 0, 0, &gFirst, &gSecond, &gMd, 100);
 }
 
+// Whole structures field by field, every field set: a message descriptor of
+// version 2 as a put passes it, put options of version 3 and get options of
+// version 4 after a get.
+ZKMD gMd2 = ZKMD_DEFAULT;
+ZKPMO gPmo3 = ZKPMO_DEFAULT;
+ZKGMO gGmo4 = ZKGMO_DEFAULT;
+
+void FillStructures() {
+  gMd2.Version = 2;
+  gMd2.Report = 0x07000000 | 0x700 | 1;
+  gMd2.Feedback = 275;
+  memcpy(gMd2.Format, "ZKSTR   ", 8);
+  gMd2.Persistence = 1;
+  memcpy(gMd2.MsgId, gData + 100, sizeof gMd2.MsgId);
+  memcpy(gMd2.CorrelId, gData + 200, sizeof gMd2.CorrelId);
+  memcpy(gMd2.ReplyToQ, "APP.REPLY.QUEUE", 15);
+  memcpy(gMd2.UserIdentifier, "appuser", 7);
+  memcpy(gMd2.AccountingToken, gData + 300, sizeof gMd2.AccountingToken);
+  memcpy(gMd2.PutApplName, "orders", 6);
+  memcpy(gMd2.PutDate, "20261123", 8);
+  memcpy(gMd2.PutTime, "12345678", 8);
+  memcpy(gMd2.GroupId, gData + 400, sizeof gMd2.GroupId);
+  gMd2.MsgFlags = 8 | 16;
+  gPmo3.Version = 3;
+  gPmo3.Options = 2 | 64 | 0x2000;
+  memcpy(gPmo3.ResolvedQName, "APP.REQUEST.QUEUE", 17);
+  gPmo3.PutMsgRecFields = 0x1F;
+  gPmo3.Action = 1;
+  gGmo4.Version = 4;
+  gGmo4.Options = 1 | 2 | 0x4000 | 0x2000;
+  gGmo4.WaitInterval = 5000;
+  memcpy(gGmo4.ResolvedQName, "APP.REQUEST.QUEUE", 17);
+  gGmo4.MatchOptions = 3;
+  gGmo4.GroupStatus = 'G';
+  gGmo4.SegmentStatus = ' ';
+  gGmo4.Segmentation = 'A';
+  memcpy(gGmo4.MsgToken, gData + 500, sizeof gGmo4.MsgToken);
+  gGmo4.ReturnedLength = 1000;
+  gGmo4.MsgHandle = 0x1234;
+}
+
+void MessageDescriptor2(ExitControlBlock *cb) {
+  cb->Call.CurrentFunction = ZKXF_PUT;
+  cb->Call.CurrentExitReason = ZKXR_BEFORE;
+  ShowParsedZkmd(cb, &gMd2);
+}
+void PutOptions3(ExitControlBlock *cb) {
+  ShowParsedZkpmo(cb, &gPmo3);
+}
+void GetOptions4(ExitControlBlock *cb) {
+  ShowParsedZkgmo(cb, &gGmo4, ZKXR_AFTER, 0);
+}
+
 const Bench kBenches[] = {
     {"hex dump, 4096 bytes", HexDump4K},
     {"single-line hex, 24 bytes", HexSingleLine},
@@ -77,6 +131,9 @@ const Bench kBenches[] = {
     {"hex dump, no characters", HexDump4K, 819, 0},
     {"hex dump, UTF-8 (1208)", HexDump4K, 1208, 1},
     {"hex dump, double-byte (943)", HexDump4K, 943, 1},
+    {"ZKMD version 2, parsed", MessageDescriptor2},
+    {"ZKPMO version 3, parsed", PutOptions3},
+    {"ZKGMO version 4, parsed", GetOptions4},
 };
 
 ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize);
@@ -146,6 +203,7 @@ int main(int argc, char **argv) {
     gData[i] = (unsigned char)(i * 7 + i / 16); // no two lines alike: no collapsing
   }
   memcpy(gMd.MsgId, gData, sizeof gMd.MsgId);
+  FillStructures();
   char path[] = "/tmp/wz-format-bench-XXXXXX";
   int tmp = mkstemp(path);
   close(tmp);

@@ -47,7 +47,8 @@ constexpr StructField kZkpmoFields[] = {
     FIELD_OF(ZKPMO, Version, "Version", FIELD_INT),
     FIELD_FLAGS_OF(ZKPMO, Options, "Options", kPutOptions, 0),
     FIELD_OF(ZKPMO, Timeout, "Timeout", FIELD_INT),
-    FIELD_OF(ZKPMO, Context, "Context", FIELD_HANDLE),
+    // The handle's four bytes as stored, like the other byte fields.
+    FIELD_OF(ZKPMO, Context, "Context", FIELD_BYTES),
     FIELD_OF(ZKPMO, KnownDestCount, "KnownDestCount", FIELD_INT),
     FIELD_OF(ZKPMO, UnknownDestCount, "UnknownDestCount", FIELD_INT),
     FIELD_OF(ZKPMO, InvalidDestCount, "InvalidDestCount", FIELD_INT),

@@ -87,18 +87,6 @@ void ShowField(FieldWalk *walk, const StructField *field) {
   case FIELD_BYTES_PLAIN:
     TraceTextAppendHexSingleLine(text, at, field->Size, 0, 1, 1);
     break;
-  case FIELD_HANDLE: {
-    uint32_t handle;
-    memcpy(&handle, at, sizeof handle);
-    if (handle == 0) {
-      TraceTextAppend(text, "(null)\n", 7);
-    } else {
-      TraceTextAppend(text, "0x", 2);
-      TraceTextAppendHex32(text, handle);
-      TraceTextAppendChar(text, '\n');
-    }
-    break;
-  }
   case FIELD_MESSAGE_HANDLE:
     TraceTextAppendHexSingleLine(text, at, 8, 1, 1, 1);
     break;
@@ -210,7 +198,8 @@ void FieldWalkAppendValue(FieldWalk *walk, const char *name, const ValueDisplay 
     TraceTextAppendInt32(text, number, 0);
     if (number != 0) {
       TraceTextAppend(text, " (", 2);
-      TraceTextAppendString(text, SearchConstantInt(number, value->Rows));
+      TraceTextAppendString(text,
+                            row != nullptr ? row->text : SearchConstantInt(number, value->Rows));
       TraceTextAppendChar(text, ')');
     }
     TraceTextAppendChar(text, '\n');
