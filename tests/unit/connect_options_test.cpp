@@ -9,6 +9,7 @@
 
 #include "format/field_primitives.h"
 #include "format/structures.h"
+#include "tests/harness_text.h"
 #include "tests/unit/structure_test.h"
 #include "text/constant_table.h"
 #include "zk/zk.h"
@@ -16,11 +17,6 @@
 namespace {
 
 struct ConnectOptions : StructureTest {};
-
-void SetText(char *field, size_t size, const char *text) {
-  memset(field, ' ', size);
-  memcpy(field, text, strlen(text));
-}
 
 // A distinctive address for pointer fields that are not shown.
 ZKPTR FakePointer(uintptr_t value) {
@@ -50,48 +46,48 @@ ZKCNO DistinctiveCno(int32_t version) {
 
 ZKCD DistinctiveCd(int32_t version) {
   ZKCD cd = ZKCD_DEFAULT;
-  SetText(cd.ChannelName, sizeof cd.ChannelName, "CHL.TO.QM2");
+  SetBlankPadded(cd.ChannelName, sizeof cd.ChannelName, "CHL.TO.QM2");
   cd.Version = version;
   cd.ChannelType = ZKCHT_CLNTCONN;
   cd.TransportType = ZKXPT_TCP;
-  SetText(cd.Desc, sizeof cd.Desc, "Client channel of the order service");
-  SetText(cd.QMgrName, sizeof cd.QMgrName, "QM2");
-  SetText(cd.XmitQName, sizeof cd.XmitQName, "XMIT.QM2");
-  SetText(cd.ShortConnectionName, sizeof cd.ShortConnectionName, "host-a(1414)");
-  SetText(cd.MCAName, sizeof cd.MCAName, "MCA.NAME");
-  SetText(cd.ModeName, sizeof cd.ModeName, "MODE8");
-  SetText(cd.TpName, sizeof cd.TpName, "tpname/orders");
+  SetBlankPadded(cd.Desc, sizeof cd.Desc, "Client channel of the order service");
+  SetBlankPadded(cd.QMgrName, sizeof cd.QMgrName, "QM2");
+  SetBlankPadded(cd.XmitQName, sizeof cd.XmitQName, "XMIT.QM2");
+  SetBlankPadded(cd.ShortConnectionName, sizeof cd.ShortConnectionName, "host-a(1414)");
+  SetBlankPadded(cd.MCAName, sizeof cd.MCAName, "MCA.NAME");
+  SetBlankPadded(cd.ModeName, sizeof cd.ModeName, "MODE8");
+  SetBlankPadded(cd.TpName, sizeof cd.TpName, "tpname/orders");
   cd.BatchSize = 51;
   cd.DiscInterval = 6001;
   cd.ShortRetryCount = 11;
   cd.ShortRetryInterval = 61;
   cd.LongRetryCount = 999;
   cd.LongRetryInterval = 1201;
-  SetText(cd.SecurityExit, sizeof cd.SecurityExit, "secexit(SecEntry)");
-  SetText(cd.MsgExit, sizeof cd.MsgExit, "msgexit(MsgEntry)");
-  SetText(cd.SendExit, sizeof cd.SendExit, "sndexit(SendEntry)");
-  SetText(cd.ReceiveExit, sizeof cd.ReceiveExit, "rcvexit(RcvEntry)");
+  SetBlankPadded(cd.SecurityExit, sizeof cd.SecurityExit, "secexit(SecEntry)");
+  SetBlankPadded(cd.MsgExit, sizeof cd.MsgExit, "msgexit(MsgEntry)");
+  SetBlankPadded(cd.SendExit, sizeof cd.SendExit, "sndexit(SendEntry)");
+  SetBlankPadded(cd.ReceiveExit, sizeof cd.ReceiveExit, "rcvexit(RcvEntry)");
   cd.SeqNumberWrap = 999999998;
   cd.MaxMsgLength = 4194305;
   cd.PutAuthority = ZKPA_ALTERNATE_OR_MCA;
   cd.DataConversion = ZKCDC_SENDER_CONVERSION;
-  SetText(cd.SecurityUserData, sizeof cd.SecurityUserData, "secdata");
-  SetText(cd.MsgUserData, sizeof cd.MsgUserData, "msgdata");
-  SetText(cd.SendUserData, sizeof cd.SendUserData, "senddata");
-  SetText(cd.ReceiveUserData, sizeof cd.ReceiveUserData, "rcvdata");
-  SetText(cd.UserIdentifier, sizeof cd.UserIdentifier, "cduser");
-  SetText(cd.Password, sizeof cd.Password, "cdsecret");
-  SetText(cd.MCAUserIdentifier, sizeof cd.MCAUserIdentifier, "mcauser");
+  SetBlankPadded(cd.SecurityUserData, sizeof cd.SecurityUserData, "secdata");
+  SetBlankPadded(cd.MsgUserData, sizeof cd.MsgUserData, "msgdata");
+  SetBlankPadded(cd.SendUserData, sizeof cd.SendUserData, "senddata");
+  SetBlankPadded(cd.ReceiveUserData, sizeof cd.ReceiveUserData, "rcvdata");
+  SetBlankPadded(cd.UserIdentifier, sizeof cd.UserIdentifier, "cduser");
+  SetBlankPadded(cd.Password, sizeof cd.Password, "cdsecret");
+  SetBlankPadded(cd.MCAUserIdentifier, sizeof cd.MCAUserIdentifier, "mcauser");
   cd.MCAType = ZKMCAT_THREAD;
   // Longer than one piece of 99 characters.
-  SetText(cd.ConnectionName, sizeof cd.ConnectionName,
-          "host-a.orders.example(1414),host-b.orders.example(1415),"
-          "host-c.orders.example(1416),host-d.orders.example(1417),"
-          "host-e.orders.example(1418)");
-  SetText(cd.RemoteUserIdentifier, sizeof cd.RemoteUserIdentifier, "remuser");
-  SetText(cd.RemotePassword, sizeof cd.RemotePassword, "remsecret");
-  SetText(cd.MsgRetryExit, sizeof cd.MsgRetryExit, "retryexit(RetryEntry)");
-  SetText(cd.MsgRetryUserData, sizeof cd.MsgRetryUserData, "retrydata");
+  SetBlankPadded(cd.ConnectionName, sizeof cd.ConnectionName,
+                 "host-a.orders.example(1414),host-b.orders.example(1415),"
+                 "host-c.orders.example(1416),host-d.orders.example(1417),"
+                 "host-e.orders.example(1418)");
+  SetBlankPadded(cd.RemoteUserIdentifier, sizeof cd.RemoteUserIdentifier, "remuser");
+  SetBlankPadded(cd.RemotePassword, sizeof cd.RemotePassword, "remsecret");
+  SetBlankPadded(cd.MsgRetryExit, sizeof cd.MsgRetryExit, "retryexit(RetryEntry)");
+  SetBlankPadded(cd.MsgRetryUserData, sizeof cd.MsgRetryUserData, "retrydata");
   cd.MsgRetryCount = 12;
   cd.MsgRetryInterval = 1002;
   cd.HeartbeatInterval = 301;
@@ -120,12 +116,12 @@ ZKCD DistinctiveCd(int32_t version) {
     cd.MCASecurityId[i] = (ZKBYTE)(i + 1);
     cd.RemoteSecurityId[i] = (ZKBYTE)(0x41 + i);
   }
-  SetText(cd.SSLCipherSpec, sizeof cd.SSLCipherSpec, "TLS_RSA_WITH_AES_128_CBC_SHA256");
+  SetBlankPadded(cd.SSLCipherSpec, sizeof cd.SSLCipherSpec, "TLS_RSA_WITH_AES_128_CBC_SHA256");
   cd.SSLPeerNamePtr = FakePointer(0x1000000A);
   cd.SSLPeerNameLength = 17;
   cd.SSLClientAuth = ZKSCA_OPTIONAL;
   cd.KeepAliveInterval = 30;
-  SetText(cd.LocalAddress, sizeof cd.LocalAddress, "10.1.2.3(2000,2010)");
+  SetBlankPadded(cd.LocalAddress, sizeof cd.LocalAddress, "10.1.2.3(2000,2010)");
   cd.BatchHeartbeat = 250;
   cd.HdrCompList[0] = 8;
   cd.HdrCompList[1] = 0;
@@ -152,9 +148,9 @@ ZKCD DistinctiveCd(int32_t version) {
 ZKSCO DistinctiveSco(int32_t version) {
   ZKSCO sco = ZKSCO_DEFAULT;
   sco.Version = version;
-  SetText(sco.KeyRepository, sizeof sco.KeyRepository, "/var/zk/qmgrs/QM2/ssl/key");
-  SetText(sco.CryptoHardware, sizeof sco.CryptoHardware,
-          "PKCS11=/usr/lib/pkcs11/driver.so;tokenlabel;tokenpin;SYMMETRIC_CIPHER_ON");
+  SetBlankPadded(sco.KeyRepository, sizeof sco.KeyRepository, "/var/zk/qmgrs/QM2/ssl/key");
+  SetBlankPadded(sco.CryptoHardware, sizeof sco.CryptoHardware,
+                 "PKCS11=/usr/lib/pkcs11/driver.so;tokenlabel;tokenpin;SYMMETRIC_CIPHER_ON");
   sco.AuthInfoRecCount = 2;
   sco.AuthInfoRecOffset = 560;
   sco.AuthInfoRecPtr = FakePointer(0x20000001);
@@ -172,12 +168,13 @@ ZKAIR DistinctiveAir(int32_t version) {
   ZKAIR air = ZKAIR_DEFAULT;
   air.Version = version;
   air.AuthInfoType = ZKAIT_CRL_LDAP;
-  SetText(air.AuthInfoConnName, sizeof air.AuthInfoConnName, "ldap1.orders.example(389)");
+  SetBlankPadded(air.AuthInfoConnName, sizeof air.AuthInfoConnName, "ldap1.orders.example(389)");
   air.LDAPUserNamePtr = FakePointer(0x30000001);
   air.LDAPUserNameOffset = 576;
   air.LDAPUserNameLength = 18;
-  SetText(air.LDAPPassword, sizeof air.LDAPPassword, "ldapsecret");
-  SetText(air.OCSPResponderURL, sizeof air.OCSPResponderURL, "http://ocsp.orders.example/check");
+  SetBlankPadded(air.LDAPPassword, sizeof air.LDAPPassword, "ldapsecret");
+  SetBlankPadded(air.OCSPResponderURL, sizeof air.OCSPResponderURL,
+                 "http://ocsp.orders.example/check");
   return air;
 }
 

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "format/structures.h"
+#include "tests/harness_text.h"
 #include "tests/unit/structure_test.h"
 #include "text/constant_table.h"
 #include "zk/zk.h"
@@ -11,11 +12,6 @@
 namespace {
 
 struct MessageDescriptor : StructureTest {};
-
-void SetText(char *field, size_t size, const char *text) {
-  memset(field, ' ', size);
-  memcpy(field, text, strlen(text));
-}
 
 // Every field a distinctive value, host byte order.
 ZKMD DistinctiveMd(int32_t version) {
@@ -35,18 +31,18 @@ ZKMD DistinctiveMd(int32_t version) {
     md.CorrelId[i] = (ZKBYTE)(i == 23 ? 1 : 0);
   }
   md.BackoutCount = 3;
-  SetText(md.ReplyToQ, sizeof md.ReplyToQ, "REPLY.QUEUE");
-  SetText(md.ReplyToQMgr, sizeof md.ReplyToQMgr, "QM.REPLY");
-  SetText(md.UserIdentifier, sizeof md.UserIdentifier, "appuser");
+  SetBlankPadded(md.ReplyToQ, sizeof md.ReplyToQ, "REPLY.QUEUE");
+  SetBlankPadded(md.ReplyToQMgr, sizeof md.ReplyToQMgr, "QM.REPLY");
+  SetBlankPadded(md.UserIdentifier, sizeof md.UserIdentifier, "appuser");
   for (int i = 0; i < 32; i++) {
     md.AccountingToken[i] = (ZKBYTE)i;
   }
-  SetText(md.ApplIdentityData, sizeof md.ApplIdentityData, "identity data");
+  SetBlankPadded(md.ApplIdentityData, sizeof md.ApplIdentityData, "identity data");
   md.PutApplType = 6;
-  SetText(md.PutApplName, sizeof md.PutApplName, "orders/putter");
-  SetText(md.PutDate, sizeof md.PutDate, "20261123");
-  SetText(md.PutTime, sizeof md.PutTime, "12345678");
-  SetText(md.ApplOriginData, sizeof md.ApplOriginData, "ORIG");
+  SetBlankPadded(md.PutApplName, sizeof md.PutApplName, "orders/putter");
+  SetBlankPadded(md.PutDate, sizeof md.PutDate, "20261123");
+  SetBlankPadded(md.PutTime, sizeof md.PutTime, "12345678");
+  SetBlankPadded(md.ApplOriginData, sizeof md.ApplOriginData, "ORIG");
   for (int i = 0; i < 24; i++) {
     md.GroupId[i] = (ZKBYTE)(0x61 + i);
   }

@@ -4,6 +4,7 @@
 
 #include "format/field_primitives.h"
 #include "format/structures.h"
+#include "tests/harness_text.h"
 #include "tests/unit/structure_test.h"
 #include "text/constant_table.h"
 #include "zk/zk.h"
@@ -11,11 +12,6 @@
 namespace {
 
 struct ObjectDescriptor : StructureTest {};
-
-void SetText(char *field, size_t size, const char *text) {
-  memset(field, ' ', size);
-  memcpy(field, text, strlen(text));
-}
 
 // Every field a distinctive value, host byte order; the strings of version 4
 // are found through their offsets.
@@ -28,10 +24,10 @@ void FillOd(DistinctiveOd *d, int32_t version) {
   ZKOD &od = d->od;
   od.Version = version;
   od.ObjectType = ZKOT_Q;
-  SetText(od.ObjectName, sizeof od.ObjectName, "ORDERS.IN");
-  SetText(od.ObjectQMgrName, sizeof od.ObjectQMgrName, "QM.EAST");
-  SetText(od.DynamicQName, sizeof od.DynamicQName, "TEMP.*");
-  SetText(od.AlternateUserId, sizeof od.AlternateUserId, "altuser");
+  SetBlankPadded(od.ObjectName, sizeof od.ObjectName, "ORDERS.IN");
+  SetBlankPadded(od.ObjectQMgrName, sizeof od.ObjectQMgrName, "QM.EAST");
+  SetBlankPadded(od.DynamicQName, sizeof od.DynamicQName, "TEMP.*");
+  SetBlankPadded(od.AlternateUserId, sizeof od.AlternateUserId, "altuser");
   od.RecsPresent = 2;
   od.KnownDestCount = 3;
   od.UnknownDestCount = 4;
@@ -41,8 +37,8 @@ void FillOd(DistinctiveOd *d, int32_t version) {
   for (int i = 0; i < 40; i++) {
     od.AlternateSecurityId[i] = (ZKBYTE)(i + 1);
   }
-  SetText(od.ResolvedQName, sizeof od.ResolvedQName, "ORDERS.LOCAL");
-  SetText(od.ResolvedQMgrName, sizeof od.ResolvedQMgrName, "QM.WEST");
+  SetBlankPadded(od.ResolvedQName, sizeof od.ResolvedQName, "ORDERS.LOCAL");
+  SetBlankPadded(od.ResolvedQMgrName, sizeof od.ResolvedQMgrName, "QM.WEST");
   memcpy(d->strings, "prices/eu", 9);
   od.ObjectString.VSOffset = (ZKLONG)((char *)d->strings - (char *)&od);
   od.ObjectString.VSLength = 9;
@@ -145,9 +141,9 @@ TEST_F(ObjectDescriptor, BigEndianDescriptorIsReversedButResolvedTypeIsNot) {
 
 TEST_F(ObjectDescriptor, ObjectRecords) {
   ZKOR records[2] = {ZKOR_DEFAULT, ZKOR_DEFAULT};
-  SetText(records[0].ObjectName, 48, "Q1");
-  SetText(records[0].ObjectQMgrName, 48, "QM1");
-  SetText(records[1].ObjectName, 48, "Q2");
+  SetBlankPadded(records[0].ObjectName, 48, "Q1");
+  SetBlankPadded(records[0].ObjectQMgrName, 48, "QM1");
+  SetBlankPadded(records[1].ObjectName, 48, "Q2");
   ShowParsedZkor(cb, records, 2);
   EXPECT_EQ(capture.Take(), FieldLineName("ObjectName") + "Q1\n" + FieldLineName("ObjectQMgrName") +
                                 "QM1\n" + FieldLineName("ObjectName") + "Q2\n" +

@@ -8,6 +8,7 @@
 
 #include "exit/handle_list.h"
 #include "format/structures.h"
+#include "tests/harness_text.h"
 #include "tests/unit/structure_test.h"
 #include "zk/zk.h"
 
@@ -55,11 +56,6 @@ struct PutGetOptions : StructureTest {
   return ::testing::AssertionFailure() << "lines\n" << lines << "not in\n" << text;
 }
 
-void SetText(char *field, size_t size, const char *text) {
-  memset(field, ' ', size);
-  memcpy(field, text, strlen(text));
-}
-
 int32_t Swap(int32_t word) {
   return (int32_t)__builtin_bswap32((uint32_t)word);
 }
@@ -78,8 +74,8 @@ ZKPMO DistinctivePmo(int32_t version) {
   pmo.KnownDestCount = 11;
   pmo.UnknownDestCount = 22;
   pmo.InvalidDestCount = 33;
-  SetText(pmo.ResolvedQName, sizeof pmo.ResolvedQName, "APP.TARGET.QUEUE");
-  SetText(pmo.ResolvedQMgrName, sizeof pmo.ResolvedQMgrName, "QM.REMOTE");
+  SetBlankPadded(pmo.ResolvedQName, sizeof pmo.ResolvedQName, "APP.TARGET.QUEUE");
+  SetBlankPadded(pmo.ResolvedQMgrName, sizeof pmo.ResolvedQMgrName, "QM.REMOTE");
   pmo.RecsPresent = 2;
   pmo.PutMsgRecFields = ZKPMRF_MSG_ID | ZKPMRF_FEEDBACK | ZKPMRF_ACCOUNTING_TOKEN;
   pmo.PutMsgRecOffset = 176;
@@ -114,7 +110,7 @@ ZKGMO DistinctiveGmo(int32_t version) {
   gmo.WaitInterval = 30000;
   gmo.Signal1 = ZKEC_WAIT_CANCELED;
   gmo.Signal2 = 77;
-  SetText(gmo.ResolvedQName, sizeof gmo.ResolvedQName, "APP.INPUT.QUEUE");
+  SetBlankPadded(gmo.ResolvedQName, sizeof gmo.ResolvedQName, "APP.INPUT.QUEUE");
   gmo.MatchOptions = ZKMO_MATCH_CORREL_ID | ZKMO_MATCH_GROUP_ID;
   gmo.GroupStatus = ZKGS_MSG_IN_GROUP;
   gmo.SegmentStatus = ZKSS_LAST_SEGMENT;
@@ -713,7 +709,7 @@ TEST_F(PutGetOptions, NoAliasLineWithoutAnAliasOfTheResolvedQueue) {
   EXPECT_STRUCTURE_TEXT(Gmo(DistinctiveGmo(1), ZKXR_AFTER, ZKCC_OK), "zkgmo_v1.txt");
   // A blank resolved name matches nothing.
   ZKPMO pmo = DistinctivePmo(1);
-  SetText(pmo.ResolvedQName, sizeof pmo.ResolvedQName, "");
+  SetBlankPadded(pmo.ResolvedQName, sizeof pmo.ResolvedQName, "");
   std::string text = Pmo(pmo);
   EXPECT_TRUE(
       Holds(text, FieldLineName("ResolvedQName") + "\n" + FieldLineName("ResolvedQMgrName")));
