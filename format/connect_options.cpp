@@ -158,12 +158,3 @@ void ShowParsedZkcsp(ExitControlBlock *cb, const ZKCSP *csp) {
   ShowReferencedBytes(cb, "CSPPassword", csp, csp->CSPPasswordPtr, csp->CSPPasswordOffset,
                       csp->CSPPasswordLength);
 }
-
-int32_t CheckStructureVersion(ExitControlBlock *cb, const char *name, int32_t version,
-                              int32_t highestKnown) {
-  if (version > highestKnown) {
-    ShowUnknownStructureVersion(cb, name, version);
-    return highestKnown;
-  }
-  return version;
-}

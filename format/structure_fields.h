@@ -17,7 +17,6 @@ enum FieldKind : uint8_t {
   FIELD_INT,           // "%d"
   FIELD_TEXT,          // Size characters
   FIELD_BYTES,         // Size bytes on one line, "(null)" when all are 0
-  FIELD_BYTES_PLAIN,   // Size bytes on one line, never "(null)"
   FIELD_BYTES_DUMP,    // Size bytes as a dump, "(null)" when all are 0
   FIELD_MESSAGE_HANDLE,
   FIELD_FLAGS,     // a flag list (Flags)

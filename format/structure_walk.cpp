@@ -7,6 +7,7 @@
 
 #include "exit/control_block.h"
 #include "format/structure_fields.h"
+#include "format/structures.h"
 
 namespace {
 
@@ -83,9 +84,6 @@ void ShowField(FieldWalk *walk, const StructField *field) {
     break;
   case FIELD_BYTES:
     TraceTextAppendHexSingleLine(text, at, field->Size, 1, 1, 1);
-    break;
-  case FIELD_BYTES_PLAIN:
-    TraceTextAppendHexSingleLine(text, at, field->Size, 0, 1, 1);
     break;
   case FIELD_MESSAGE_HANDLE:
     TraceTextAppendHexSingleLine(text, at, 8, 1, 1, 1);
@@ -261,4 +259,13 @@ void ShowValueField(ExitControlBlock *cb, const char *name, const ValueDisplay *
   TraceTextStart(&walk.Text, cb, TRACE_TEXT_WRITE_OUT);
   FieldWalkAppendValue(&walk, name, value, number, report);
   FieldWalkFlush(&walk);
+}
+
+int32_t CheckStructureVersion(ExitControlBlock *cb, const char *name, int32_t version,
+                              int32_t highestKnown) {
+  if (version > highestKnown) {
+    ShowUnknownStructureVersion(cb, name, version);
+    return highestKnown;
+  }
+  return version;
 }
