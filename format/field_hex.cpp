@@ -1,5 +1,7 @@
 // Byte fields: one line of hex digits and character image for short fields,
 // the prefixed hex dump for long ones, and message handles.
+#include <string.h>
+
 #include "exit/control_block.h"
 #include "format/field_primitives.h"
 #include "output/record_writers.h"
@@ -29,6 +31,10 @@ void AppendCharacterImage(TraceText *line, const CodeRangeMap *map, const unsign
   int32_t pendingCount = 0;
   for (int32_t i = 0; i < length; i++) {
     unsigned char byte = bytes[i];
+    if (pendingCount == 0 && map->firstGlyph[byte] != 0) {
+      TraceTextAppendChar(line, map->firstGlyph[byte]); // a character alone, or none
+      continue;
+    }
     int32_t step = CodeRangeStep(map, pending, pendingCount, byte);
     if (step == CODE_RANGE_REJECTED) {
       TraceTextAppendRepeat(line, '.', pendingCount + 1);
@@ -60,7 +66,20 @@ void TraceTextAppendHexSingleLine(TraceText *line, const void *bytes, int32_t le
     TraceTextAppend(line, "(null)\n", 7);
     return;
   }
-  if (hex != 0) {
+  // Hex digits in groups of four bytes: 9 columns per group, then two blanks.
+  int32_t hexWidth = length * 2 + (length > 0 ? (length - 1) / 4 : 0) + 2;
+  char *out = hex != 0 && hexWidth <= TRACE_TEXT_SIZE ? TraceTextReserve(line, hexWidth) : nullptr;
+  if (out != nullptr) {
+    for (int32_t i = 0; i < length; i++) {
+      if (i > 0 && (i & 3) == 0) {
+        *out++ = ' ';
+      }
+      memcpy(out, HexDigitPair(data[i]), 2);
+      out += 2;
+    }
+    memcpy(out, "  ", 2);
+    TraceTextCommit(line, out + 2);
+  } else if (hex != 0) {
     for (int32_t i = 0; i < length; i++) {
       if (i > 0 && (i & 3) == 0) {
         TraceTextAppendChar(line, ' ');

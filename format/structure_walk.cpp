@@ -31,12 +31,8 @@ const ConstantIntEntry *FindValueRow(const ValueDisplay *value, int32_t number) 
   if (number < value->Lowest || number > value->Highest) {
     return nullptr;
   }
-  for (const ConstantIntEntry *row = value->Rows; row->value != CONSTANT_TABLE_END; row++) {
-    if (row->value == number) {
-      return row;
-    }
-  }
-  return nullptr;
+  const ConstantIntEntry *row = FindConstantIntRow(number, value->Rows);
+  return row->value != CONSTANT_TABLE_END ? row : nullptr;
 }
 
 // Reports an unknown value after the line that shows it.

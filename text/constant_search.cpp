@@ -1,16 +1,57 @@
-// Look-ups in the constant tables: linear scans, first match wins, and a
-// value that is not found answers with the table's end-marker text.
+// Look-ups in the constant tables: first match wins, and a value that is
+// not found answers with the table's end-marker text. Small tables are
+// scanned; the few large ones have a sorted copy that is searched by halving.
 #include <string.h>
 
 #include "text/name_match.h"
 #include "text/constant_table.h"
 
-const char *SearchConstantInt(int32_t value, const ConstantIntEntry *table) {
+namespace {
+
+const ConstantIntIndex *FindIndex(const ConstantIntEntry *table) {
+  for (int32_t i = 0; i < ConstantIndexCount; i++) {
+    if (ConstantIndexes[i].Table == table) {
+      return &ConstantIndexes[i];
+    }
+  }
+  return nullptr;
+}
+
+// The first sorted row of the value, or null.
+const ConstantIntEntry *SearchSorted(const ConstantIntIndex *index, int32_t value) {
+  int32_t low = 0;
+  int32_t high = index->Count; // the answer lies in [low, high]
+  while (low < high) {
+    int32_t middle = low + (high - low) / 2;
+    if (index->Sorted[middle].value < value) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  if (low < index->Count && index->Sorted[low].value == value) {
+    return &index->Sorted[low];
+  }
+  return nullptr;
+}
+
+} // namespace
+
+const ConstantIntEntry *FindConstantIntRow(int32_t value, const ConstantIntEntry *table) {
+  const ConstantIntIndex *index = FindIndex(table);
+  if (index != nullptr) {
+    const ConstantIntEntry *row = SearchSorted(index, value);
+    return row != nullptr ? row : index->Table + index->Count;
+  }
   const ConstantIntEntry *row = table;
   while (row->value != value && row->value != CONSTANT_TABLE_END) {
     row++;
   }
-  return row->text;
+  return row;
+}
+
+const char *SearchConstantInt(int32_t value, const ConstantIntEntry *table) {
+  return FindConstantIntRow(value, table)->text;
 }
 
 int32_t SearchConstantIntByString(const char *text, const ConstantIntEntry *table) {

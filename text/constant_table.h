@@ -23,10 +23,24 @@ struct ConstantByteEntry {
 };
 
 const char *SearchConstantInt(int32_t value, const ConstantIntEntry *table);
+// The first row of the value, or the table's end-marker row when no row has
+// it. The large tables are searched through a sorted copy (ConstantIndexes).
+const ConstantIntEntry *FindConstantIntRow(int32_t value, const ConstantIntEntry *table);
 int32_t SearchConstantIntByString(const char *text, const ConstantIntEntry *table);
 const char *SearchConstantString(const char *key, const ConstantStringEntry *table);
 const char *SearchConstantByte(int32_t key, const ConstantByteEntry *table);
 const char *SearchConstantCcsidString(int32_t ccsid, uint8_t flag);
+
+// A sorted copy of a large table, made when the code is compiled: the rows
+// in the order of their values (rows of one value in table order, so that
+// the first match still wins), searched by halving.
+struct ConstantIntIndex {
+  const ConstantIntEntry *Table;
+  const ConstantIntEntry *Sorted;
+  int32_t Count; // rows, the end marker not counted
+};
+extern const ConstantIntIndex ConstantIndexes[];
+extern const int32_t ConstantIndexCount;
 
 // Number of rows of a table, its end marker not counted.
 int32_t CountConstantIntRows(const ConstantIntEntry *table);
