@@ -209,3 +209,19 @@ int32_t ZkStructureEncoding(const void *structure);
 // written for an empty text.
 int32_t ShowTextStringDataRegardingMaximumLrecl(ExitControlBlock *cb, const void *text,
                                                 int32_t length, int32_t indentation);
+
+// ---------------------------------------------------------------------------
+// Sections of parsed message data.
+
+// Appends " offset F-L (=xF-xL) length N (=xN)" for the bytes from `offset`
+// on, F and L their first and last offset (L = F when there are none).
+void TraceTextAppendOffsetRange(TraceText *line, uint32_t offset, uint32_t length);
+
+// The line that opens a header, folder or body of the message data:
+// "|> ----- offset F-L (=xF-xL) length N (=xN) - title".
+int32_t ShowParsedValueOffset(ExitControlBlock *cb, uint32_t offset, uint32_t length,
+                              const char *title);
+
+// A body shown only in the hex dump: when both the offset and the length
+// are above 0, a section titled "Data" and the line that points to the dump.
+int32_t ShowParsedGeneralData(ExitControlBlock *cb, int32_t offset, int32_t length);
