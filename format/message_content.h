@@ -12,8 +12,8 @@ struct ExitControlBlock;
 // The whole chain, starting with the descriptor's Format (8 characters) and
 // Encoding. `length` is the full length of the message data; what is shown
 // stops at ShowMaxLenParsedContent when that is not negative.
-void ShowParsedMsgData(ExitControlBlock *cb, const char *format, int32_t encoding,
-                       const void *data, int32_t length);
+void ShowParsedMsgData(ExitControlBlock *cb, const char *format, int32_t encoding, const void *data,
+                       int32_t length);
 
 // A command-format body (header and parameters) of `length` bytes that
 // starts `offset` bytes into the message data, its integers read with
