@@ -2,7 +2,7 @@
 // a call, in bytes of trace text per second, next to the speed of writing
 // the same number of bytes to a file with plain write() calls.
 // Run: build/bin/wz_format_bench [seconds]
-//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 12, for counting
+//      build/bin/wz_format_bench --calls N ROW   (ROW 1 to 16, for counting
 //      instructions: N calls of one row, nothing timed)
 #include <fcntl.h>
 #include <stdio.h>
@@ -16,6 +16,7 @@
 #include "exit/call_records.h"
 #include "exit/control_block.h"
 #include "format/field_primitives.h"
+#include "format/message_content.h"
 #include "format/structures.h"
 #include "output/record_writers.h"
 #include "output/trace_file.h"
@@ -33,6 +34,7 @@ struct Bench {
   void (*Run)(ExitControlBlock *cb);
   int32_t Ccsid = 819;    // code page of the dump's character column
   uint8_t Characters = 1; // ShowHexCharImage
+  int32_t DataBytes = 0;  // message data a call shows, for the MB/s of data
 };
 
 unsigned char gData[4096];
@@ -121,6 +123,61 @@ void GetOptions4(ExitControlBlock *cb) {
   ShowParsedZkgmo(cb, &gGmo4, ZKXR_AFTER, 0);
 }
 
+// 64 KB of message data: a rules-and-formatting header of version 2 whose
+// folder is XML, and a command-format message of string and integer
+// parameters, each parsed and each dumped for comparison.
+constexpr int32_t kMessageSize = 65536;
+unsigned char gRulesXml[kMessageSize];
+unsigned char gCommand[kMessageSize];
+
+void FillMessages() {
+  ZKRFH2 rfh = ZKRFH2_DEFAULT;
+  rfh.StrucLength = kMessageSize;
+  memcpy(rfh.Format, "ZKSTR   ", 8);
+  memcpy(gRulesXml, &rfh, sizeof rfh);
+  int32_t folderLength = kMessageSize - (int32_t)sizeof rfh - 4;
+  memcpy(gRulesXml + sizeof rfh, &folderLength, 4);
+  char *xml = (char *)gRulesXml + sizeof rfh + 4;
+  int32_t at = snprintf(xml, 32, "<orders>");
+  for (int32_t i = 0; at < folderLength - 80; i++) {
+    at += snprintf(xml + at, 80, "<order id=\"%d\"><item>widget</item><qty>%d</qty></order>", i,
+                   i % 97);
+  }
+  at += snprintf(xml + at, 16, "</orders>");
+  memset(xml + at, ' ', (size_t)(folderLength - at));
+
+  ZKCFH header = ZKCFH_DEFAULT;
+  header.Type = 2; // a response
+  header.Command = 13;
+  int32_t offset = (int32_t)sizeof header;
+  int32_t count = 0;
+  while (offset + 64 <= kMessageSize) {
+    ZKCFST string = {4, 48, 2016, 1208, 28};
+    memcpy(gCommand + offset, &string, sizeof string);
+    memcpy(gCommand + offset + sizeof string, "APP.QUEUE.NUMBER.0000000001 ", 28);
+    offset += 48;
+    ZKCFIN integer = {3, 16, 3, count};
+    memcpy(gCommand + offset, &integer, sizeof integer);
+    offset += 16;
+    count += 2;
+  }
+  header.ParameterCount = count;
+  memcpy(gCommand, &header, sizeof header);
+}
+
+void RulesXmlParsed(ExitControlBlock *cb) {
+  ShowParsedMsgData(cb, "ZKHRF2  ", ZKENC_NATIVE, gRulesXml, kMessageSize);
+}
+void RulesXmlDumped(ExitControlBlock *cb) {
+  PutHexData(cb, "Buffer", gRulesXml, kMessageSize, 0);
+}
+void CommandParsed(ExitControlBlock *cb) {
+  ShowParsedMsgData(cb, "ZKADMIN ", ZKENC_NATIVE, gCommand, kMessageSize);
+}
+void CommandDumped(ExitControlBlock *cb) {
+  PutHexData(cb, "Buffer", gCommand, kMessageSize, 0);
+}
+
 const Bench kBenches[] = {
     {"hex dump, 4096 bytes", HexDump4K},
     {"single-line hex, 24 bytes", HexSingleLine},
@@ -134,6 +191,10 @@ const Bench kBenches[] = {
     {"ZKMD version 2, parsed", MessageDescriptor2},
     {"ZKPMO version 3, parsed", PutOptions3},
     {"ZKGMO version 4, parsed", GetOptions4},
+    {"64 KB rules header + XML", RulesXmlParsed, 819, 1, kMessageSize},
+    {"the same, hex dump", RulesXmlDumped, 819, 1, kMessageSize},
+    {"64 KB command format", CommandParsed, 819, 1, kMessageSize},
+    {"the same, hex dump", CommandDumped, 819, 1, kMessageSize},
 };
 
 ExitControlBlock *MakeBlock(const char *path, int32_t bufferSize);
@@ -225,6 +286,7 @@ int main(int argc, char **argv) {
   }
   memcpy(gMd.MsgId, gData, sizeof gMd.MsgId);
   FillStructures();
+  FillMessages();
   char path[] = "/tmp/wz-format-bench-XXXXXX";
   int tmp = mkstemp(path);
   close(tmp);
@@ -246,6 +308,10 @@ int main(int argc, char **argv) {
     printf("%-28s %14.1f %14.1f %14.1f %14.1f\n", bench.Name, (double)bytes / elapsed / 1e6,
            (double)bytes / raw / 1e6, elapsed / (double)calls * 1e9,
            nullElapsed / (double)nullCalls * 1e9);
+    if (bench.DataBytes > 0) {
+      printf("%-28s %14.1f MB/s of message data\n", "",
+             (double)bench.DataBytes * (double)calls / elapsed / 1e6);
+    }
   }
   unlink(path);
   return 0;

@@ -210,13 +210,3 @@ void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *
     }
   }
 }
-
-int32_t CalculateZkpmrUnitLength(int32_t fields) {
-  int32_t length = 0;
-  length += (fields & 1) ? 24 : 0;  // message id
-  length += (fields & 2) ? 24 : 0;  // correlation id
-  length += (fields & 4) ? 24 : 0;  // group id
-  length += (fields & 8) ? 4 : 0;   // feedback
-  length += (fields & 16) ? 32 : 0; // accounting token
-  return length;
-}

@@ -22,6 +22,3 @@ void IncrementResultCount(ExitControlBlock *cb, int32_t function, const ZKLONG *
                           const ZKLONG *pReason, CallCounterRecord *first,
                           CallCounterRecord *second, uint8_t timeGiven, int64_t elapsed,
                           uint8_t secondGiven, int64_t secondMeasure);
-
-// Length of one put-message record for the given ZKPMRF_* flags.
-int32_t CalculateZkpmrUnitLength(int32_t putMsgRecFields);

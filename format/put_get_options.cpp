@@ -140,6 +140,16 @@ void ShowParsedZkpmrf(ExitControlBlock *cb, int32_t fields) {
   ShowFlagsField(cb, "PutMsgRecFields", &kPutMsgRecFields, (uint32_t)fields, 1);
 }
 
+int32_t CalculateZkpmrUnitLength(int32_t putMsgRecFields) {
+  int32_t length = 0;
+  for (const PutMsgRecField &field : kPutMsgRecFieldList) {
+    if (((uint32_t)putMsgRecFields & field.Flag) != 0) {
+      length += field.Size;
+    }
+  }
+  return length;
+}
+
 void ShowParsedZkpmr(ExitControlBlock *cb, const void *records, int32_t count, int32_t fields) {
   if (records == nullptr || count <= 0) {
     return;

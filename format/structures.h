@@ -36,6 +36,8 @@ void ShowParsedMsgFlags(ExitControlBlock *cb, int32_t flags, uint8_t embedded);
 // Put-message options, the fields of put-message records, the records.
 void ShowParsedZkpmo(ExitControlBlock *cb, const ZKPMO *pmo);
 void ShowParsedZkpmrf(ExitControlBlock *cb, int32_t fields);
+// Length of one put-message record for the given ZKPMRF_* flags.
+int32_t CalculateZkpmrUnitLength(int32_t putMsgRecFields);
 void ShowParsedZkpmr(ExitControlBlock *cb, const void *records, int32_t count, int32_t fields);
 // Get-message options; exitReason and compCode say whether the call has
 // filled the output fields.

@@ -5,6 +5,7 @@
 
 #include "exit/control_block.h"
 #include "exit/counting.h"
+#include "format/structures.h"
 #include "tests/unit/test_support.h"
 #include "output/timing.h"
 #include "output/statistics_index.h"
