@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "format/field_primitives.h"
+#include "text/number_text.h"
 
 namespace {
 
@@ -41,15 +42,18 @@ int32_t ShowFieldName(ExitControlBlock *cb, const char *name) {
 }
 
 void TraceTextAppendVersionHeader(TraceText *line, const char *structureName, int32_t version) {
-  int32_t start = line->Length;
+  char number[FORMAT_DECIMAL_SIZE];
+  int32_t digits = FormatDecimalInt64(number, version, 0, 0);
+  const char *shown = structureName != nullptr ? structureName : "";
+  int32_t name = (int32_t)strlen(shown);
   TraceTextAppend(line, "|> --- ", 7);
-  TraceTextAppendString(line, structureName);
+  TraceTextAppend(line, shown, name);
   TraceTextAppend(line, " version ", 9);
-  TraceTextAppendInt32(line, version, 0);
-  // Names are short: unless the buffer was written out just now, the whole
-  // line is still in it and its length is known.
-  int32_t length = line->Length - start;
-  if (length > 0 && length < kVersionLineWidth) {
+  TraceTextAppend(line, number, digits);
+  // The length is counted, not taken from the buffer: the buffer may have
+  // been written out in the middle of the line.
+  int32_t length = 7 + name + 9 + digits;
+  if (length < kVersionLineWidth) {
     TraceTextAppendRepeat(line, '-', kVersionLineWidth - length);
   }
   TraceTextAppendChar(line, '\n');

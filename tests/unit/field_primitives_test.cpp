@@ -46,6 +46,21 @@ TEST_F(FieldLine, VersionHeaderOfALongNameGetsNoDashes) {
   EXPECT_EQ(capture.Take(), "|> --- PMO version -1---------\n");
 }
 
+// A version header whose line is split by a full text: the text is written
+// out in the middle of the line, and the dashes are still counted right.
+TEST_F(FieldLine, VersionHeaderSplitByAFullTextKeepsItsDashes) {
+  for (int32_t filled = TRACE_TEXT_SIZE - 20; filled < TRACE_TEXT_SIZE; filled++) {
+    TraceText text;
+    TraceTextStart(&text, cb, TRACE_TEXT_WRITE_OUT);
+    TraceTextAppendRepeat(&text, 'x', filled - 1);
+    TraceTextAppendChar(&text, '\n');
+    TraceTextAppendVersionHeader(&text, "CD", 7);
+    TraceTextWrite(&text);
+    std::string out = capture.Take();
+    EXPECT_EQ(out.substr(out.size() - 32), "\n|> --- CD version 7-----------\n") << filled;
+  }
+}
+
 TEST_F(FieldLine, ZklongPlainAndFixedWidth) {
   ShowFieldValueZklong(cb, "Version", 2, 1);
   EXPECT_EQ(capture.Take(), FieldLineName("Version") + "2\n");
