@@ -10,6 +10,7 @@
 #include "output/trace_file.h"
 #include "output/timing.h"
 #include "output/statistics_index.h"
+#include "output/trace_text.h"
 
 namespace {
 
@@ -127,6 +128,18 @@ void HandlerAfterEnd(HandlerCall *call) {
   if (call->Cb->Settings.WriteAfterEachApi == 1) {
     FlushTraceDataInBuffer(call->Cb);
   }
+}
+
+void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle) {
+  if (handle == nullptr) {
+    return;
+  }
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
+  TraceTextAppendString(&line, label);
+  TraceTextAppendHex32(&line, (uint32_t)*handle);
+  TraceTextAppendChar(&line, '\n');
+  TraceTextWrite(&line);
 }
 
 void TraceCallBefore(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason) {

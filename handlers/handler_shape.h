@@ -50,6 +50,11 @@ void HandlerBeforeEnd(HandlerCall *call);
 int32_t HandlerAfter(HandlerCall *call);
 void HandlerAfterEnd(HandlerCall *call);
 
+// A handle line of a record: the label ("Hconn:0x", "Hobj:0x") and the
+// handle in eight upper-case hex digits. No line when the handle cannot be
+// read (its address is null).
+void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle);
+
 // A call written with its header record only.
 void TraceCallBefore(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason);
 void TraceCallAfter(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason);

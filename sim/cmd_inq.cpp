@@ -1,9 +1,15 @@
 // ZKINQ and ZKSET:
 //
-//   inq c1 q CURRENT_Q_DEPTH MAX_Q_DEPTH Q_NAME [intcount=N] [charlen=N]
-//   set c1 q INHIBIT_PUT=1 TRIGGER_DATA="start it"
+//   inq c1 q CURRENT_Q_DEPTH MAX_Q_DEPTH Q_NAME [selectorcount=N] [intcount=N] [charlen=N]
+//   set c1 q INHIBIT_PUT=1 TRIGGER_DATA="start it" [selectorcount=N] [intcount=N] [charlen=N]
 //
-// Selectors are written by name (without ZKIA_ or ZKCA_) or by number.
+// Selectors are written by name (without ZKIA_ or ZKCA_) or by number. The
+// counts default to what the selectors given need; given explicitly they
+// may be negative or disagree with the selectors. The arrays are then made
+// at least as long as a count says, so that whoever reads what the count
+// promises stays inside them: selectors beyond those given are 0 (no
+// selector), integers beyond those given -999 (inq) or 0 (set), character
+// bytes beyond those given '*' (inq) or blanks (set).
 #include <cstring>
 
 #include "commands.h"
@@ -16,6 +22,44 @@ const char *const kAttributeValuePrefixes =
     "ZKQT_,ZKQA_,ZKTC_,ZKTT_,ZKQDT_,ZKUS_,ZKMDS_,ZKPER_,ZKOO_,ZKIAV_,ZKPL_,ZKSP_,ZKDL_,ZK";
 
 namespace {
+
+// The keys that give a count explicitly, and the largest count they take.
+const char *const kCountKeys[] = {"selectorcount", "intcount", "charlen"};
+const ZKLONG kLargestCount = 1000000;
+
+// A count given by `key`, if it is: `given` says so. A count above
+// kLargestCount is refused; a negative one is passed as it is.
+bool explicitCount(const Args &args, const std::string &key, ZKLONG &value, bool &given,
+                   std::string &error) {
+  given = args.has(key);
+  if (!given) {
+    return true;
+  }
+  if (!parseValue(args.get(key), "", value, error)) {
+    return false;
+  }
+  if (value > kLargestCount) {
+    error = key + "=" + std::to_string(value) + ": at most " + std::to_string(kLargestCount);
+    return false;
+  }
+  return true;
+}
+
+// Makes an array at least `count` long (nothing for a negative count).
+template <typename T> void padTo(std::vector<T> &array, ZKLONG count, T filler) {
+  if (count > 0 && static_cast<std::size_t>(count) > array.size()) {
+    array.resize(static_cast<std::size_t>(count), filler);
+  }
+}
+
+bool isCountKey(const std::string &key) {
+  for (const char *k : kCountKeys) {
+    if (key == k) {
+      return true;
+    }
+  }
+  return false;
+}
 
 bool selectorOf(const std::string &text, ZKLONG &selector, std::string &error) {
   return parseValue(text, "ZKIA_", selector, error) || parseValue(text, "ZKCA_", selector, error);
@@ -52,7 +96,32 @@ struct InqSetCall {
   std::vector<ZKLONG> intAttrs;
   ZKLONG charAttrLength = 0;
   std::vector<char> charAttrs;
+  std::size_t selectorsGiven = 0; // selectors the scenario named
+  std::string counts;             // the counts given explicitly, for the log
 };
+
+// Takes the counts the scenario gives explicitly in place of those the
+// selectors need, and pads the arrays to them. `filler` is the integer
+// and the character put where nothing was given.
+bool applyExplicitCounts(const Args &args, InqSetCall &v, ZKLONG intFiller, char charFiller,
+                         std::string &error) {
+  ZKLONG *const targets[] = {&v.selectorCount, &v.intAttrCount, &v.charAttrLength};
+  const char *const names[] = {"SelectorCount", "IntAttrCount", "CharAttrLength"};
+  for (std::size_t i = 0; i < 3; ++i) {
+    bool given = false;
+    if (!explicitCount(args, kCountKeys[i], *targets[i], given, error)) {
+      return false;
+    }
+    if (given) {
+      v.counts += std::string(v.counts.empty() ? "; " : ", ") + names[i] + " " +
+                  std::to_string(*targets[i]);
+    }
+  }
+  padTo<ZKLONG>(v.selectors, v.selectorCount, 0);
+  padTo<ZKLONG>(v.intAttrs, v.intAttrCount, intFiller);
+  padTo<char>(v.charAttrs, v.charAttrLength, charFiller);
+  return true;
+}
 
 void runCall(ScenarioContext &context, Connection &c, bool inquire, ZKHOBJ hobj, InqSetCall &v) {
   ZKHCONN hconn = c.hconn;
@@ -100,7 +169,11 @@ void runCall(ScenarioContext &context, Connection &c, bool inquire, ZKHOBJ hobj,
     if (compCode != ZKCC_FAILED) {
       std::size_t ints = 0;
       std::size_t chars = 0;
-      for (ZKLONG s : v.selectors) {
+      // The selectors the scenario named that the call was given.
+      std::size_t inquired = std::min<std::size_t>(
+          v.selectorsGiven, static_cast<std::size_t>(std::max<ZKLONG>(v.selectorCount, 0)));
+      for (std::size_t k = 0; k < inquired; ++k) {
+        ZKLONG s = v.selectors[k];
         std::string value;
         if (isIntRange(s)) {
           if (ints >= v.intAttrs.size()) {
@@ -145,7 +218,7 @@ bool checkInq(const ScenarioCommand &cmd, std::string &error) {
       return false;
     }
   }
-  return args.checkKeys({"intcount", "charlen"}, {}, error);
+  return args.checkKeys({"selectorcount", "intcount", "charlen"}, {}, error);
 }
 
 bool runInq(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
@@ -172,17 +245,15 @@ bool runInq(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
     }
     names += " " + selectorName(s);
   }
-  if ((args.has("intcount") && !parseValue(args.get("intcount"), "", ints, error)) ||
-      (args.has("charlen") && !parseValue(args.get("charlen"), "", chars, error))) {
-    return false;
-  }
+  v.selectorsGiven = v.selectors.size();
   v.selectorCount = static_cast<ZKLONG>(v.selectors.size());
   v.intAttrCount = ints;
-  v.intAttrs.assign(static_cast<std::size_t>(std::max<ZKLONG>(ints, 0)), -999);
   v.charAttrLength = chars;
-  v.charAttrs.assign(static_cast<std::size_t>(std::max<ZKLONG>(chars, 0)), '*');
-  context.log.line("%s ZKINQ %s (Hobj %d):%s", c->name.c_str(), cmd.words[2].c_str(), hobj,
-                   names.c_str());
+  if (!applyExplicitCounts(args, v, -999, '*', error)) {
+    return false;
+  }
+  context.log.line("%s ZKINQ %s (Hobj %d):%s%s", c->name.c_str(), cmd.words[2].c_str(), hobj,
+                   names.c_str(), v.counts.c_str());
   runCall(context, *c, true, hobj, v);
   return true;
 }
@@ -198,6 +269,9 @@ bool checkSet(const ScenarioCommand &cmd, std::string &error) {
   }
   for (const auto &kv : args.named()) {
     ZKLONG s = 0;
+    if (isCountKey(kv.first)) {
+      continue;
+    }
     if (!hasVariable(kv.first) && !selectorOf(kv.first, s, error)) {
       error = "set: '" + kv.first + "' is not a selector";
       return false;
@@ -217,6 +291,9 @@ bool runSet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
   std::string names;
   for (const auto &kv : args.named()) {
     ZKLONG s = 0;
+    if (isCountKey(kv.first)) {
+      continue;
+    }
     if (!selectorOf(kv.first, s, error)) {
       return false;
     }
@@ -238,11 +315,15 @@ bool runSet(ScenarioContext &context, const ScenarioCommand &cmd, std::string &e
     }
     names += " " + selectorName(s) + "=" + kv.second;
   }
+  v.selectorsGiven = v.selectors.size();
   v.selectorCount = static_cast<ZKLONG>(v.selectors.size());
   v.intAttrCount = static_cast<ZKLONG>(v.intAttrs.size());
   v.charAttrLength = static_cast<ZKLONG>(v.charAttrs.size());
-  context.log.line("%s ZKSET %s (Hobj %d):%s", c->name.c_str(), cmd.words[2].c_str(), hobj,
-                   names.c_str());
+  if (!applyExplicitCounts(args, v, 0, ' ', error)) {
+    return false;
+  }
+  context.log.line("%s ZKSET %s (Hobj %d):%s%s", c->name.c_str(), cmd.words[2].c_str(), hobj,
+                   names.c_str(), v.counts.c_str());
   runCall(context, *c, false, hobj, v);
   return true;
 }

@@ -454,6 +454,9 @@ void Engine::set(ZKHCONN hconn, ZKHOBJ hobj, ZKLONG selectorCount, const ZKLONG 
   if (selectorCount < 0 || selectorCount > ZK_MAX_SELECTOR_COUNT) {
     return fail(ZKRC_SELECTOR_COUNT_ERROR);
   }
+  if (selectorCount > 0 && selectors == nullptr) {
+    return fail(ZKRC_SELECTOR_ERROR);
+  }
   if (intAttrCount < 0) {
     return fail(ZKRC_INT_ATTR_COUNT_ERROR);
   }
@@ -472,6 +475,9 @@ void Engine::set(ZKHCONN hconn, ZKHOBJ hobj, ZKLONG selectorCount, const ZKLONG 
     if (isIntSelector(s)) {
       if (ints >= intAttrCount) {
         return fail(ZKRC_INT_ATTR_COUNT_TOO_SMALL);
+      }
+      if (intAttrs == nullptr) {
+        return fail(ZKRC_INT_ATTRS_ARRAY_ERROR);
       }
       ZKLONG v = intAttrs[ints++];
       bool local = q->type == ZKQT_LOCAL;

@@ -650,14 +650,17 @@ case_many_bad_lines() {
 # well_formed FILE...: every line is one the trace is made of: the record
 # lines ("-", a time stamp, "<FUNCTION", "(BEFORE", "(AFTER",
 # "(CONNECTION", "CompCode:N", "Reason:N"), the numbered record heads and
-# process times in their exact form, empty lines, and other "|" lines of
-# printable characters only.
+# process times in their exact form, the queue manager name of a connect
+# (printable characters only) and connection handles in eight hex digits,
+# empty lines, and other "|" lines of printable characters only.
 well_formed() {
   LC_ALL=C awk '
     /^-$/ || /^$/ { next }
     /^\[[0-9][0-9][0-9][0-9]\/[0-9][0-9]\/[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]\.[0-9][0-9][0-9][0-9][0-9][0-9]\]$/ { next }
     /^<[A-Z][A-Z0-9_]*$/ || /^\((BEFORE|AFTER|CONNECTION)$/ { next }
     /^(CompCode|Reason):-?[0-9]+$/ { next }
+    /^QMgrName:[ -~]*$/ && length($0) <= 57 { next }
+    /^Hconn:0x[0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F]$/ { next }
     /^\|--- Seq # / { if ($0 ~ /^\|--- Seq # : [0-9]+ -+$/) next }
     /^\| API process time: / { if ($0 ~ /^\| API process time: +[0-9]+\.[0-9][0-9][0-9][0-9][0-9][0-9] second$/) next }
     /^\|[ -~]*$/ && !/^\|--- Seq/ && !/^\| API process time/ { next }

@@ -107,6 +107,84 @@ case_trace_all_calls() {
   same_as trace_all_connx.txt "$connx"
 }
 
+# without_channel_definitions FILE: the file without the dumps and fields
+# of channel definitions (from each "CNO->CD" title to the title after
+# them), and with the profile's channel line as ShowChannelAttributes=no
+# writes it.
+without_channel_definitions() {
+  awk '
+    /^CNO->CD:\(/ { skip = 1; next }
+    skip && /^CNO->SCO:\(/ { skip = 0 }
+    skip && /^(CNO|-$)/ { skip = 0 }
+    !skip' "$1" | sed 's/^|  Show channel attrs : yes$/|  Show channel attrs : no/'
+}
+
+# A client connection through a client channel definition
+# (trace_connect.scn): the ZKCONNX records hold the queue manager name, then
+# the connect options and everything they lead to by offset (channel
+# definition, TLS options, two authentication records with their LDAP user
+# names, security parameters), before the call and again after it with the
+# connection identifier and handle the queue manager returned; ZKBEGIN shows
+# handle and begin options before and the options only after; ZKCMIT, ZKBACK
+# and ZKDISC their handle before. Connect options of version 6 and a channel
+# definition of version 11 are reported (banner and alert 3100) and shown at
+# the highest known lengths. With ShowChannelAttributes=no the same records
+# leave the channel definitions out, and nothing else.
+case_trace_connect_options() {
+  wz_def ShowZkVersion=no
+  ini
+  run_zkqm trace_connect.scn
+  expect_status 0
+  same_calls trace_connect.scn
+  local client refused errors
+  client=$(one_file 'wz_ZKQM1_clientapp_*_1_001.txt')
+  refused=$(one_file 'wz_ZKQM1_newclient_*_1_001.txt')
+  [ "$(check_sequence "$client")" -eq 10 ] || fail "$client does not hold 10 numbered records"
+  [ "$(count_of "$client" 'QMgrName:ZKQM1                                           ')" -eq 1 ] ||
+    fail "not one queue manager name of 48 characters"
+  [ "$(count_of "$client" 'CNO:(188=xBC bytes, Address ')" -eq 2 ] || fail "not two CNO dumps"
+  [ "$(count_of "$client" 'CNO->CD:(1876=x754 bytes, Address ')" -eq 2 ] || fail "not two CD dumps"
+  [ "$(count_of "$client" 'CNO->SCO->AIR:(576=x240 bytes, Address ')" -eq 4 ] || fail "not four AIR dumps"
+  [ "$(count_of "$client" 'CNO->CSP:(48=x30 bytes, Address ')" -eq 2 ] || fail "not two CSP dumps"
+  [ "$(count_of "$client" '|> LDAPUserName             : cn=bob,o=orders')" -eq 2 ] || fail "no LDAP user name cn=bob,o=orders"
+  [ "$(count_of "$client" 'BO:(12=xC bytes, Address ')" -eq 2 ] || fail "not two BO dumps"
+  [ "$(count_of "$client" 'Hconn:0x00000001')" -eq 6 ] || fail "not six connection handle lines"
+  contains "$client" "|> ConnectionId             : 5A4B434E 5A4B514D 31202020 20202020 00000000 00000001  [ZKCNZKQM1       ........]"
+  [ "$(count_of "$refused" '|* Unknown : ZKCNO version 6')" -eq 2 ] || fail "ZKCNO version 6 not reported before and after"
+  [ "$(count_of "$refused" '|* Unknown : ZKCD version 11')" -eq 2 ] || fail "ZKCD version 11 not reported before and after"
+  [ "$(count_of "$refused" 'CNO->CSP:(48=x30 bytes, Address ')" -eq 2 ] || fail "the version 6 options do not lead on as version 5"
+  errors=$(one_file 'wz_apiexit_error_*_*.txt')
+  [ "$(count_of "$errors" 'Msg3100: Unknown API structure : ZKCNO version 6')" -eq 2 ] || fail "not two alerts for ZKCNO version 6"
+  [ "$(count_of "$errors" 'Msg3100: Unknown API structure : ZKCD version 11')" -eq 2 ] || fail "not two alerts for ZKCD version 11"
+  same_as trace_connect_client.txt "$client"
+  same_as trace_connect_refused.txt "$refused"
+  without_channel_definitions "$client" >client_nochl.txt
+  without_channel_definitions "$refused" >refused_nochl.txt
+
+  rm -f "$DATA"/wz_* "$DATA"/alert*
+  wz_def ShowZkVersion=no ShowChannelAttributes=no
+  run_zkqm trace_connect.scn
+  expect_status 0
+  same_calls trace_connect.scn
+  client=$(one_file 'wz_ZKQM1_clientapp_*_1_001.txt')
+  refused=$(one_file 'wz_ZKQM1_newclient_*_1_001.txt')
+  contains "$client" "|  Show channel attrs : no"
+  lacks "$client" "CNO->CD"
+  lacks "$client" "|> ChannelName"
+  lacks "$refused" "CNO->CD"
+  lacks "$refused" "ZKCD version 11"
+  [ "$(count_of "$client" 'CNO->SCO->AIR:(576=x240 bytes, Address ')" -eq 4 ] || fail "not four AIR dumps without channel definitions"
+  masked client_nochl.txt >want.txt
+  masked "$client" >got.txt
+  diff -u want.txt got.txt >&2 || fail "ShowChannelAttributes=no changed more than the channel definitions"
+  # The refused connection's banner block at the end of the file still
+  # names the unknown connect options.
+  contains "$refused" "|* Unknown : ZKCNO version 6"
+  masked refused_nochl.txt | grep -v -e 'ZKCD version 11' -e '^|\*\{34\}$' >want.txt
+  masked "$refused" | grep -v '^|\*\{34\}$' >got.txt
+  diff -u want.txt got.txt >&2 || fail "ShowChannelAttributes=no changed more than the channel definition of the refused connection"
+}
+
 # bytes_before_closing_summary FILE: the size of the file without the call
 # summary written when it was closed (from the "-" line in front of the
 # last "|Call summary" line to the end).
