@@ -6,6 +6,7 @@
 #include <string.h>
 
 #include "format/message_content.h"
+#include "tests/unit/pcf_builder.h"
 #include "tests/unit/message_builder.h"
 #include "tests/unit/structure_test.h"
 #include "zk/zk.h"
@@ -201,6 +202,53 @@ TEST_F(MessageChain, TransmissionDeadLetterRulesHeaderAndXml) {
   m.AddText("plain text body");
   EXPECT_STRUCTURE_TEXT(Show(ZKFMT_XMIT_Q_HEADER, m.Bytes), "chain_xmit_dlh_rfh2.txt");
   EXPECT_EQ(cb->File.UnknownAttributeSeen, 0);
+}
+
+// A command-format request sent to another queue manager that came back to
+// the dead-letter queue: transmission header, dead-letter header, rules
+// header with XML, and the command-format body.
+std::vector<unsigned char> CommandBody() {
+  PcfBuilder pcf;
+  pcf.Header(ZKCFT_COMMAND, ZKCMD_INQUIRE_Q).String(ZKCA_Q_NAME, "ORDERS.*").Int(ZKIA_Q_TYPE, 1);
+  return pcf.Bytes();
+}
+
+TEST_F(MessageChain, TransmissionDeadLetterRulesHeaderAndCommandBody) {
+  std::string xml = "<mcd><Msd>pcf</Msd></mcd>";
+  MessageBytes m;
+  m.Add(TransmissionHeader(ZKFMT_DEAD_LETTER_HEADER));
+  m.Add(DeadLetterHeader(ZKFMT_RF_HEADER_2, ZKRC_UNKNOWN_OBJECT_NAME));
+  m.Add(RulesHeader2(ZKFMT_ADMIN, 36 + 4 + (int32_t)xml.size()));
+  m.AddFolder(xml);
+  std::vector<unsigned char> body = CommandBody();
+  m.Bytes.insert(m.Bytes.end(), body.begin(), body.end());
+  EXPECT_STRUCTURE_TEXT(Show(ZKFMT_XMIT_Q_HEADER, m.Bytes), "chain_xmit_dlh_rfh2_pcf.txt");
+}
+
+TEST_F(MessageChain, EmbeddedCommandHeaderAndItsParameters) {
+  MessageBytes m;
+  ZKEPH eph = ZKEPH_DEFAULT;
+  std::vector<unsigned char> body = CommandBody();
+  // The embedded header holds the command-format header at its byte 32.
+  memcpy(&eph.PCFHeader, body.data(), sizeof eph.PCFHeader);
+  eph.StrucLength = 32 + (int32_t)body.size();
+  eph.Flags = ZKEPH_CCSID_EMBEDDED;
+  m.Add(eph);
+  m.Bytes.insert(m.Bytes.end(), body.begin() + sizeof eph.PCFHeader, body.end());
+  std::string out = Show(ZKFMT_EMBEDDED_PCF, m.Bytes);
+  EXPECT_STRUCTURE_TEXT(out, "chain_eph.txt");
+  // Every cut of it, the trigger message's too, stays inside the data.
+  for (size_t cut = 0; cut <= m.Bytes.size(); cut++) {
+    Show(ZKFMT_EMBEDDED_PCF,
+         std::vector<unsigned char>(m.Bytes.begin(), m.Bytes.begin() + (long)cut));
+  }
+  MessageBytes trigger;
+  trigger.Add(ZKTM(ZKTM_DEFAULT));
+  for (size_t cut = 0; cut <= trigger.Bytes.size(); cut++) {
+    std::vector<unsigned char> part(trigger.Bytes.begin(), trigger.Bytes.begin() + (long)cut);
+    bool shown = Show(ZKFMT_TRIGGER, part).find("ZKTM (Trigger message)") != std::string::npos;
+    EXPECT_EQ(shown, cut >= sizeof(ZKTM)) << cut;
+  }
 }
 
 TEST_F(MessageChain, LimitInsideTheTransmissionHeader) {
