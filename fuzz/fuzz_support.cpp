@@ -204,3 +204,21 @@ void CaptureBlock::SetCcsid(int32_t ccsid) {
   cb_->Settings.ShowHexCharCcsid = ccsid;
   SetValueForCodeRangeCheck(cb_);
 }
+
+int32_t ReadFuzzEncoding(FuzzInput &in) {
+  switch (in.Byte() & 3) {
+  case 0:
+    return 546;
+  case 1:
+    return 273;
+  case 2:
+    return 0;
+  default:
+    return (int32_t)in.U32();
+  }
+}
+
+int32_t ReadFuzzLimit(FuzzInput &in) {
+  uint16_t limit = in.U16();
+  return limit == 0xFFFF ? -1 : limit;
+}

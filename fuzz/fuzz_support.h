@@ -69,6 +69,12 @@ private:
   size_t offset_ = 0;
 };
 
+// Settings the targets of message data take from their input: an encoding
+// (a byte choosing native 546, normal 273 or 0, else 4 bytes of its own) and
+// a limit of parsed content (2 bytes, 0xFFFF for none).
+int32_t ReadFuzzEncoding(FuzzInput &in);
+int32_t ReadFuzzLimit(FuzzInput &in);
+
 // A control block that collects trace text as the record writers produce
 // it: a write buffer of `bufferSize` bytes whose overflow goes to an
 // in-memory file, so that every byte written can be read back. Alerts go to

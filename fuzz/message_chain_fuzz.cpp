@@ -49,21 +49,8 @@ Header ReadHeader(FuzzInput &in) {
     memset(h.format, ' ', 8);
     memcpy(h.format, own.data(), own.size());
   }
-  switch (in.Byte() & 3) {
-  case 0:
-    h.encoding = 546;
-    break;
-  case 1:
-    h.encoding = 273;
-    break;
-  case 2:
-    h.encoding = 0;
-    break;
-  default:
-    h.encoding = (int32_t)in.U32();
-  }
-  uint16_t limit = in.U16();
-  h.limit = limit == 0xFFFF ? -1 : limit;
+  h.encoding = ReadFuzzEncoding(in);
+  h.limit = ReadFuzzLimit(in);
   h.lineLength = 40 + in.Byte() * 4;
   return h;
 }

@@ -48,8 +48,7 @@ bool LooksLikeXml(const uint8_t *data, int32_t size) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *input, size_t inputSize) {
   FuzzInput in(input, inputSize);
   uint32_t offset = in.U16();
-  uint16_t limitWord = in.U16();
-  int32_t limit = limitWord == 0xFFFF ? -1 : limitWord;
+  int32_t limit = ReadFuzzLimit(in);
   int32_t lineLength = 40 + in.Byte() * 4;
   const uint8_t *data = input + (inputSize - in.Remaining());
   int32_t size = (int32_t)in.Remaining();
