@@ -6,78 +6,16 @@
 
 #include "exit/control_block.h"
 #include "format/structures.h"
+#include "handlers/dump_lengths.h"
 #include "handlers/short_dumps.h"
 #include "output/record_writers.h"
 
 namespace {
 
-// The bytes dumped of each version of a structure, version 1 first. These
-// are the dump lengths by version that the trace shows. For the channel
-// definition of versions 1 and 4 they are shorter than the layouts of
-// zk/zkcno.h (ZKCD_LENGTH_1 984, ZKCD_LENGTH_4 1540): the trace keeps its
-// own lengths, and the fields are still shown from the whole structure.
-struct DumpLengths {
-  const char *Name;     // the name an unknown version is reported under
-  int32_t HighestKnown; // also the number of lengths below
-  int32_t ByVersion[10];
-};
-
-constexpr DumpLengths kCnoDump = {"ZKCNO", 5, {12, 20, 148, 156, 188}};
-constexpr DumpLengths kCdDump = {
-    "ZKCD", 10, {952, 1312, 1480, 1536, 1552, 1648, 1748, 1840, 1864, 1876}};
-constexpr DumpLengths kScoDump = {"ZKSCO", 4, {532, 540, 556, 560}};
-constexpr DumpLengths kAirDump = {"ZKAIR", 2, {320, 576}};
-constexpr DumpLengths kCspDump = {"ZKCSP", 1, {48}};
-constexpr DumpLengths kBoDump = {"ZKBO", 1, {12}};
-
-// No dump reaches beyond the structure as this exit declares it.
-static_assert(kCnoDump.ByVersion[kCnoDump.HighestKnown - 1] == sizeof(ZKCNO), "ZKCNO dump");
-static_assert(kCdDump.ByVersion[kCdDump.HighestKnown - 1] == sizeof(ZKCD), "ZKCD dump");
-static_assert(kScoDump.ByVersion[kScoDump.HighestKnown - 1] == sizeof(ZKSCO), "ZKSCO dump");
-static_assert(kAirDump.ByVersion[kAirDump.HighestKnown - 1] == sizeof(ZKAIR), "ZKAIR dump");
-static_assert(kCspDump.ByVersion[kCspDump.HighestKnown - 1] == sizeof(ZKCSP), "ZKCSP dump");
-static_assert(kBoDump.ByVersion[kBoDump.HighestKnown - 1] == sizeof(ZKBO), "ZKBO dump");
-
-// The length dumped for a structure of this version: a version above the
-// highest known is reported and dumped at the highest known length; one
-// below 1 is dumped at the length of version 1. The version used is left
-// in *used when asked for.
-int32_t DumpLengthOf(ExitControlBlock *cb, const DumpLengths &lengths, int32_t version,
-                     int32_t *used = nullptr) {
-  int32_t known = CheckStructureVersion(cb, lengths.Name, version, lengths.HighestKnown);
-  if (used != nullptr) {
-    *used = known;
-  }
-  return lengths.ByVersion[known >= 1 ? known - 1 : 0];
-}
-
-// The same length, without reporting a version above the highest known.
-int32_t LengthOfVersion(const DumpLengths &lengths, int32_t version) {
-  int32_t known = version > lengths.HighestKnown ? lengths.HighestKnown : version;
-  return lengths.ByVersion[known >= 1 ? known - 1 : 0];
-}
-
 ZKLONG VersionAt(const unsigned char *structure, size_t offset) {
   ZKLONG version;
   memcpy(&version, structure + offset, sizeof version);
   return version;
-}
-
-// A structure reached from another: by its address when that is not null,
-// else by its offset from the other's start when that is not zero, else
-// there is none.
-const unsigned char *Reached(const void *from, const void *address, int32_t offset) {
-  if (address != nullptr) {
-    return (const unsigned char *)address;
-  }
-  if (offset != 0) {
-    return (const unsigned char *)((uintptr_t)from + (uintptr_t)(intptr_t)offset);
-  }
-  return nullptr;
-}
-
-bool ShowParsed(const ExitControlBlock *cb) {
-  return cb->Settings.ShowParsedData == 1;
 }
 
 void ShowChannelDefinition(ExitControlBlock *cb, const ZKCD *cd) {

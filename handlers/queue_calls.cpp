@@ -1,6 +1,6 @@
 // Queue calls: ZKOPEN, ZKCLOSE, ZKPUT1, ZKPUT, ZKGET (and its data-conversion
-// point), ZKINQ, ZKSET. A call on a queue that TargetQueue does not select
-// is not written, only counted.
+// point). A call on a queue that TargetQueue does not select is not
+// written, only counted. ZKINQ and ZKSET are in inquire_calls.cpp.
 #include <string.h>
 
 #include "exit/handle_list.h"
@@ -167,29 +167,5 @@ void GetAfter(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PPZKMD ppMsgDesc, PPZ
   call.Md = Deref(ppMsgDesc);
   const ZKLONG *pDataLength = Deref(ppDataLength);
   call.MsgLength = pDataLength != nullptr ? *pDataLength : -1;
-  TraceQueueCall(&call, false);
-}
-
-void InqBefore(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PZKLONG, PPZKLONG, PZKLONG, PPZKLONG,
-               PZKLONG, PPZKCHAR, PZKLONG pCompCode, PZKLONG pReason) {
-  HandlerCall call = {axp, pCompCode, pReason, pHobj};
-  TraceQueueCall(&call, true);
-}
-
-void InqAfter(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PZKLONG, PPZKLONG, PZKLONG, PPZKLONG,
-              PZKLONG, PPZKCHAR, PZKLONG pCompCode, PZKLONG pReason) {
-  HandlerCall call = {axp, pCompCode, pReason, pHobj};
-  TraceQueueCall(&call, false);
-}
-
-void SetBefore(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PZKLONG, PPZKLONG, PZKLONG, PPZKLONG,
-               PZKLONG, PPZKCHAR, PZKLONG pCompCode, PZKLONG pReason) {
-  HandlerCall call = {axp, pCompCode, pReason, pHobj};
-  TraceQueueCall(&call, true);
-}
-
-void SetAfter(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PZKLONG, PPZKLONG, PZKLONG, PPZKLONG,
-              PZKLONG, PPZKCHAR, PZKLONG pCompCode, PZKLONG pReason) {
-  HandlerCall call = {axp, pCompCode, pReason, pHobj};
   TraceQueueCall(&call, false);
 }

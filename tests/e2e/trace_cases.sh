@@ -107,6 +107,25 @@ case_trace_all_calls() {
   same_as trace_all_connx.txt "$connx"
 }
 
+# Inquire and set (trace_inquire.scn): the whole records of ZKINQ and ZKSET
+# with their counts, the arrays dumped and shown selector by selector, the
+# values asked for before the call and returned after it, failed calls with
+# their reason by name.
+case_trace_inquire() {
+  wz_def ShowZkVersion=no
+  ini
+  run_zkqm trace_inquire.scn
+  expect_status 0
+  same_calls trace_inquire.scn
+  local f
+  f=$(one_file 'wz_ZKQM1_inquirer_*_1_001.txt')
+  check_sequence "$f" >/dev/null || fail "the records of $f are not numbered 1, 2, 3 ..."
+  contains "$f" "SelectorCount:-1"
+  contains "$f" "| Reason:ZKRC_SELECTOR_ERROR"
+  [ "$(count_of "$f" '|> ZKCA_NAMES               : Q.')" -eq 2 ] || fail "not two names shown"
+  same_as trace_inquire.txt "$f"
+}
+
 # without_channel_definitions FILE: the file without the dumps and fields
 # of channel definitions (from each "CNO->CD" title to the title after
 # them), and with the profile's channel line as ShowChannelAttributes=no
