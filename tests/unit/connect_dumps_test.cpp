@@ -19,6 +19,7 @@
 #include "output/record_writers.h"
 #include "tests/harness_text.h"
 #include "tests/unit/capture.h"
+#include "tests/unit/dump_test_support.h"
 #include "zk/zk.h"
 
 namespace {
@@ -49,41 +50,6 @@ std::string Field(const std::string &name, const std::string &value) {
   std::string padded = name;
   padded.resize(25, ' ');
   return "|> " + padded + ": " + value + "\n";
-}
-
-std::string Title(const std::string &name, int32_t length) {
-  char text[96];
-  snprintf(text, sizeof text, "%s:(%d=x%X bytes)", name.c_str(), length, (unsigned)length);
-  return text;
-}
-
-std::string VersionBanner(const std::string &name, int32_t version) {
-  return "|**********************************\n"
-         "|* Unknown : " +
-         name + " version " + std::to_string(version) +
-         "\n"
-         "|**********************************\n";
-}
-
-// The dump titles among the lines of a text, in their order: dump lines
-// begin with an offset, field and banner lines with "|".
-std::vector<std::string> Titles(const std::string &text) {
-  std::vector<std::string> titles;
-  for (const std::string &line : SplitTextLines(text)) {
-    if (!line.empty() && line[0] != '|' && line.find(":(") != std::string::npos &&
-        line.find(" bytes)") == line.size() - 7) {
-      titles.push_back(line);
-    }
-  }
-  return titles;
-}
-
-size_t Count(const std::string &text, const std::string &what) {
-  size_t n = 0;
-  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-    n++;
-  }
-  return n;
 }
 
 struct ConnectDumps : ::testing::Test {

@@ -22,6 +22,7 @@
 #include "output/record_writers.h"
 #include "tests/harness_text.h"
 #include "tests/unit/capture.h"
+#include "tests/unit/dump_test_support.h"
 #include "tests/unit/message_builder.h"
 #include "zk/zk.h"
 
@@ -55,40 +56,6 @@ struct QueueBlock {
 
 // The message data: a dead-letter header and a text after it.
 constexpr int32_t kDataLength = (int32_t)sizeof(ZKDLH) + 13;
-
-std::string Title(const std::string &name, int32_t length) {
-  char text[96];
-  snprintf(text, sizeof text, "%s:(%d=x%X bytes)", name.c_str(), length, (unsigned)length);
-  return text;
-}
-
-std::string VersionBanner(const std::string &name, int32_t version) {
-  return "|**********************************\n"
-         "|* Unknown : " +
-         name + " version " + std::to_string(version) +
-         "\n"
-         "|**********************************\n";
-}
-
-// The dump titles among the lines of a text, in their order.
-std::vector<std::string> Titles(const std::string &text) {
-  std::vector<std::string> titles;
-  for (const std::string &line : SplitTextLines(text)) {
-    if (!line.empty() && line[0] != '|' && line.find(":(") != std::string::npos &&
-        line.find(" bytes)") == line.size() - 7) {
-      titles.push_back(line);
-    }
-  }
-  return titles;
-}
-
-size_t Count(const std::string &text, const std::string &what) {
-  size_t n = 0;
-  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-    n++;
-  }
-  return n;
-}
 
 // A field line: "|> ", the name in 25 columns, ": ", the value.
 std::string Field(const std::string &name, const std::string &value) {
