@@ -1,7 +1,8 @@
 // Attribute selectors: the tables (every selector constant has its row, in
-// order, found by halving), the look-up by range, each special display of an
-// integer value, and the integer and character attributes of ZKINQ and ZKSET
-// with counts that are short, zero, negative or larger than the values.
+// order, found by halving), the look-up by range, every selector whose
+// integer value has a display of its own, and the integer and character
+// attributes of ZKINQ and ZKSET with counts that are short, zero, negative
+// or larger than the values.
 #include <string.h>
 
 #include <memory>
