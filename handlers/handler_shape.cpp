@@ -130,7 +130,7 @@ void HandlerAfterEnd(HandlerCall *call) {
   }
 }
 
-void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle) {
+static void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle) {
   if (handle == nullptr) {
     return;
   }
@@ -140,6 +140,33 @@ void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle
   TraceTextAppendHex32(&line, (uint32_t)*handle);
   TraceTextAppendChar(&line, '\n');
   TraceTextWrite(&line);
+}
+
+void PutHconnLine(ExitControlBlock *cb, const ZKHCONN *hconn) {
+  PutHandleLine(cb, "Hconn:0x", hconn);
+}
+
+void PutHobjLine(ExitControlBlock *cb, const ZKHOBJ *hobj) {
+  PutHandleLine(cb, "Hobj:0x", hobj);
+}
+
+// A name line; names are shown as 7-bit text, so that a name cannot break
+// the line.
+static void PutNameLine(ExitControlBlock *cb, const char *label, const char *name, size_t size) {
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
+  TraceTextAppendString(&line, label);
+  TraceTextAppendSevenBit(&line, name, (int32_t)strnlen(name, size));
+  TraceTextAppendChar(&line, '\n');
+  TraceTextWrite(&line);
+}
+
+void PutObjectNameLines(ExitControlBlock *cb) {
+  PutNameLine(cb, "| ObjectName:", cb->Call.CurrentQueueName, sizeof cb->Call.CurrentQueueName);
+  if (cb->Call.ResolvedQueueName[0] != '\0') {
+    PutNameLine(cb, "| (real name):", cb->Call.ResolvedQueueName,
+                sizeof cb->Call.ResolvedQueueName);
+  }
 }
 
 void TraceCallBefore(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason) {

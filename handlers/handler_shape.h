@@ -50,10 +50,15 @@ void HandlerBeforeEnd(HandlerCall *call);
 int32_t HandlerAfter(HandlerCall *call);
 void HandlerAfterEnd(HandlerCall *call);
 
-// A handle line of a record: the label ("Hconn:0x", "Hobj:0x") and the
-// handle in eight upper-case hex digits. No line when the handle cannot be
-// read (its address is null).
-void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle);
+// The handle lines of a record, "Hconn:0x" and "Hobj:0x" with the handle in
+// eight upper-case hex digits. No line when the handle cannot be read (its
+// address is null).
+void PutHconnLine(ExitControlBlock *cb, const ZKHCONN *hconn);
+void PutHobjLine(ExitControlBlock *cb, const ZKHOBJ *hobj);
+
+// "| ObjectName:" with the name the call's object handle was opened under,
+// and "| (real name):" with the name it resolved to when there is one.
+void PutObjectNameLines(ExitControlBlock *cb);
 
 // A call written with its header record only.
 void TraceCallBefore(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason);

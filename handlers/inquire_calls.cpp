@@ -23,9 +23,6 @@ namespace {
 // The most bytes of the character area read from a call.
 #define INQ_MAX_CHAR_LENGTH 65536
 
-const char kHconnLabel[] = "Hconn:0x";
-const char kHobjLabel[] = "Hobj:0x";
-
 // What the handlers read of one call's parameters.
 struct InquireArgs {
   const ZKLONG *SelectorCount;
@@ -69,33 +66,10 @@ void PutCountLine(ExitControlBlock *cb, const char *label, const ZKLONG *count) 
   TraceTextWrite(&line);
 }
 
-// "| ObjectName:" with the name the handle was opened under, and
-// "| (real name):" with the name the queue manager resolved it to when
-// there is one.
-void PutObjectNameLines(ExitControlBlock *cb) {
-  TraceText line;
-  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
-  TraceTextAppendLiteral(&line, "| ObjectName:");
-  const char *name = cb->Call.CurrentQueueName;
-  TraceTextAppendSevenBit(&line, name, (int32_t)strnlen(name, sizeof cb->Call.CurrentQueueName));
-  TraceTextAppendChar(&line, '\n');
-  TraceTextWrite(&line);
-  const char *resolved = cb->Call.ResolvedQueueName;
-  if (resolved[0] == '\0') {
-    return;
-  }
-  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
-  TraceTextAppendLiteral(&line, "| (real name):");
-  TraceTextAppendSevenBit(&line, resolved,
-                          (int32_t)strnlen(resolved, sizeof cb->Call.ResolvedQueueName));
-  TraceTextAppendChar(&line, '\n');
-  TraceTextWrite(&line);
-}
-
 // The handles and names that open the before-records of both calls.
 void PutHandlesAndNames(ExitControlBlock *cb, const ZKHCONN *pHconn, const ZKHOBJ *pHobj) {
-  PutHandleLine(cb, kHconnLabel, pHconn);
-  PutHandleLine(cb, kHobjLabel, pHobj);
+  PutHconnLine(cb, pHconn);
+  PutHobjLine(cb, pHobj);
   PutObjectNameLines(cb);
 }
 

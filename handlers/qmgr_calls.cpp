@@ -10,8 +10,6 @@
 
 namespace {
 
-const char kHconnLabel[] = "Hconn:0x";
-
 // "QMgrName:" and the name parameter: its first 48 bytes, ending early at a
 // NUL, trailing blanks kept; a byte that is not printable 7-bit text is
 // written as ".", so that a name cannot break the line. No line when the
@@ -51,7 +49,7 @@ void ConnectAfter(PZKAXP axp, const ZKHCONN *hconn, const ZKCNO *cno, bool exten
   if (HandlerAfter(&call) != RC_OK) {
     return;
   }
-  PutHandleLine(call.Cb, kHconnLabel, hconn);
+  PutHconnLine(call.Cb, hconn);
   if (extended) {
     ShowZKCNO(call.Cb, cno);
   }
@@ -63,7 +61,7 @@ void HandleBefore(PZKAXP axp, const ZKHCONN *hconn, const ZKLONG *pCompCode,
                   const ZKLONG *pReason) {
   HandlerCall call = {axp, pCompCode, pReason};
   if (HandlerBefore(&call) == RC_OK) {
-    PutHandleLine(call.Cb, kHconnLabel, hconn);
+    PutHconnLine(call.Cb, hconn);
     HandlerBeforeEnd(&call);
   }
 }
@@ -101,7 +99,7 @@ void DiscBefore(PZKAXP axp, PZKAXC, PPZKHCONN ppHconn, PZKLONG pCompCode, PZKLON
 void DiscAfter(PZKAXP axp, PZKAXC, PPZKHCONN ppHconn, PZKLONG pCompCode, PZKLONG pReason) {
   HandlerCall call = {axp, pCompCode, pReason};
   if (HandlerAfter(&call) == RC_OK) {
-    PutHandleLine(call.Cb, kHconnLabel, Deref(ppHconn));
+    PutHconnLine(call.Cb, Deref(ppHconn));
     HandlerAfterEnd(&call);
   }
 }
@@ -110,7 +108,7 @@ void BeginBefore(PZKAXP axp, PZKAXC, PZKHCONN pHconn, PPZKBO ppBeginOptions, PZK
                  PZKLONG pReason) {
   HandlerCall call = {axp, pCompCode, pReason};
   if (HandlerBefore(&call) == RC_OK) {
-    PutHandleLine(call.Cb, kHconnLabel, pHconn);
+    PutHconnLine(call.Cb, pHconn);
     ShowZKBO(call.Cb, Deref(ppBeginOptions));
     HandlerBeforeEnd(&call);
   }
