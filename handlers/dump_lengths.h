@@ -23,44 +23,31 @@ struct DumpLengths {
 };
 
 // The dump lengths by version that the trace shows, for every structure the
-// handlers dump. For the channel definition of versions 1 and 4 they are
-// shorter than the layouts of zk/zkcno.h (ZKCD_LENGTH_1 984, ZKCD_LENGTH_4
-// 1540): the trace keeps its own lengths, and the fields are still shown
-// from the whole structure.
-inline constexpr DumpLengths kCnoDump = {"ZKCNO", 5, {12, 20, 148, 156, 188}};
+// handlers dump: the lengths of the layouts in zk/, except for the channel
+// definition of versions 1 and 4, whose dumps are shorter than the layouts
+// (952 and 1536 bytes against 984 and 1540): the trace keeps its own lengths
+// there, and the fields are still shown from the whole structure.
+#define CD_DUMP_LENGTH_1 952
+#define CD_DUMP_LENGTH_4 1536
+inline constexpr DumpLengths kCnoDump = {
+    "ZKCNO", 5, {ZKCNO_LENGTH_1, ZKCNO_LENGTH_2, ZKCNO_LENGTH_3, ZKCNO_LENGTH_4, ZKCNO_LENGTH_5}};
 inline constexpr DumpLengths kCdDump = {
-    "ZKCD", 10, {952, 1312, 1480, 1536, 1552, 1648, 1748, 1840, 1864, 1876}};
-inline constexpr DumpLengths kScoDump = {"ZKSCO", 4, {532, 540, 556, 560}};
-inline constexpr DumpLengths kAirDump = {"ZKAIR", 2, {320, 576}};
-inline constexpr DumpLengths kCspDump = {"ZKCSP", 1, {48}};
-inline constexpr DumpLengths kBoDump = {"ZKBO", 1, {12}};
-inline constexpr DumpLengths kOdDump = {"ZKOD", 4, {168, 200, 336, 400}};
-inline constexpr DumpLengths kMdDump = {"ZKMD", 2, {324, 364}};
-inline constexpr DumpLengths kPmoDump = {"ZKPMO", 3, {128, 152, 176}};
-inline constexpr DumpLengths kGmoDump = {"ZKGMO", 4, {72, 80, 100, 112}};
-
-// No dump reaches beyond the structure as this exit declares it.
-static_assert(kCnoDump.ByVersion[kCnoDump.HighestKnown - 1] == sizeof(ZKCNO), "ZKCNO dump");
-static_assert(kCdDump.ByVersion[kCdDump.HighestKnown - 1] == sizeof(ZKCD), "ZKCD dump");
-static_assert(kScoDump.ByVersion[kScoDump.HighestKnown - 1] == sizeof(ZKSCO), "ZKSCO dump");
-static_assert(kAirDump.ByVersion[kAirDump.HighestKnown - 1] == sizeof(ZKAIR), "ZKAIR dump");
-static_assert(kCspDump.ByVersion[kCspDump.HighestKnown - 1] == sizeof(ZKCSP), "ZKCSP dump");
-static_assert(kBoDump.ByVersion[kBoDump.HighestKnown - 1] == sizeof(ZKBO), "ZKBO dump");
-static_assert(kOdDump.ByVersion[kOdDump.HighestKnown - 1] == sizeof(ZKOD), "ZKOD dump");
-static_assert(kMdDump.ByVersion[kMdDump.HighestKnown - 1] == sizeof(ZKMD), "ZKMD dump");
-static_assert(kPmoDump.ByVersion[kPmoDump.HighestKnown - 1] == sizeof(ZKPMO), "ZKPMO dump");
-static_assert(kGmoDump.ByVersion[kGmoDump.HighestKnown - 1] == sizeof(ZKGMO), "ZKGMO dump");
-// The queue structures' dumps of each version end where the layouts say the
-// fields of the next version begin.
-static_assert(kOdDump.ByVersion[0] == ZKOD_LENGTH_1 && kOdDump.ByVersion[1] == ZKOD_LENGTH_2 &&
-                  kOdDump.ByVersion[2] == ZKOD_LENGTH_3,
-              "ZKOD dump by version");
-static_assert(kMdDump.ByVersion[0] == ZKMD_LENGTH_1, "ZKMD dump by version");
-static_assert(kPmoDump.ByVersion[0] == ZKPMO_LENGTH_1 && kPmoDump.ByVersion[1] == ZKPMO_LENGTH_2,
-              "ZKPMO dump by version");
-static_assert(kGmoDump.ByVersion[0] == ZKGMO_LENGTH_1 && kGmoDump.ByVersion[1] == ZKGMO_LENGTH_2 &&
-                  kGmoDump.ByVersion[2] == ZKGMO_LENGTH_3,
-              "ZKGMO dump by version");
+    "ZKCD",
+    10,
+    {CD_DUMP_LENGTH_1, ZKCD_LENGTH_2, ZKCD_LENGTH_3, CD_DUMP_LENGTH_4, ZKCD_LENGTH_5, ZKCD_LENGTH_6,
+     ZKCD_LENGTH_7, ZKCD_LENGTH_8, ZKCD_LENGTH_9, ZKCD_LENGTH_10}};
+inline constexpr DumpLengths kScoDump = {
+    "ZKSCO", 4, {ZKSCO_LENGTH_1, ZKSCO_LENGTH_2, ZKSCO_LENGTH_3, ZKSCO_LENGTH_4}};
+inline constexpr DumpLengths kAirDump = {"ZKAIR", 2, {ZKAIR_LENGTH_1, ZKAIR_LENGTH_2}};
+inline constexpr DumpLengths kCspDump = {"ZKCSP", 1, {ZKCSP_LENGTH_1}};
+inline constexpr DumpLengths kBoDump = {"ZKBO", 1, {ZKBO_LENGTH_1}};
+inline constexpr DumpLengths kOdDump = {
+    "ZKOD", 4, {ZKOD_LENGTH_1, ZKOD_LENGTH_2, ZKOD_LENGTH_3, ZKOD_LENGTH_4}};
+inline constexpr DumpLengths kMdDump = {"ZKMD", 2, {ZKMD_LENGTH_1, ZKMD_LENGTH_2}};
+inline constexpr DumpLengths kPmoDump = {
+    "ZKPMO", 3, {ZKPMO_LENGTH_1, ZKPMO_LENGTH_2, ZKPMO_LENGTH_3}};
+inline constexpr DumpLengths kGmoDump = {
+    "ZKGMO", 4, {ZKGMO_LENGTH_1, ZKGMO_LENGTH_2, ZKGMO_LENGTH_3, ZKGMO_LENGTH_4}};
 
 // The length dumped for a structure of this version: a version above the
 // highest known is reported and dumped at the highest known length; one
