@@ -142,6 +142,22 @@ static void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG 
   TraceTextWrite(&line);
 }
 
+void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options) {
+  PutHandleLine(cb, "Options:0x", options);
+}
+
+void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
+  if (value == nullptr) {
+    return;
+  }
+  TraceText line;
+  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
+  TraceTextAppendString(&line, label);
+  TraceTextAppendInt32(&line, *value, 0);
+  TraceTextAppendChar(&line, '\n');
+  TraceTextWrite(&line);
+}
+
 void PutHconnLine(ExitControlBlock *cb, const ZKHCONN *hconn) {
   PutHandleLine(cb, "Hconn:0x", hconn);
 }

@@ -56,6 +56,14 @@ void HandlerAfterEnd(HandlerCall *call);
 void PutHconnLine(ExitControlBlock *cb, const ZKHCONN *hconn);
 void PutHobjLine(ExitControlBlock *cb, const ZKHOBJ *hobj);
 
+// "SelectorCount:", "BufferLength:" and the like: the label and the value
+// in decimal, as the application gave it. No line when the value cannot be
+// read (its address is null).
+void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value);
+
+// "Options:0x" and the options in eight upper-case hex digits.
+void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options);
+
 // "| ObjectName:" with the name the call's object handle was opened under,
 // and "| (real name):" with the name it resolved to when there is one.
 void PutObjectNameLines(ExitControlBlock *cb);

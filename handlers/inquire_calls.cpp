@@ -52,20 +52,6 @@ int32_t CharAttrsRead(const InquireArgs &a) {
   return Readable(a.CharAttrLength, a.CharAttrs, INQ_MAX_CHAR_LENGTH);
 }
 
-// "SelectorCount:" and the like with the count in decimal, as the
-// application gave it. No line when the count cannot be read.
-void PutCountLine(ExitControlBlock *cb, const char *label, const ZKLONG *count) {
-  if (count == nullptr) {
-    return;
-  }
-  TraceText line;
-  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
-  TraceTextAppendString(&line, label);
-  TraceTextAppendInt32(&line, *count, 0);
-  TraceTextAppendChar(&line, '\n');
-  TraceTextWrite(&line);
-}
-
 // The handles and names that open the before-records of both calls.
 void PutHandlesAndNames(ExitControlBlock *cb, const ZKHCONN *pHconn, const ZKHOBJ *pHobj) {
   PutHconnLine(cb, pHconn);
@@ -74,7 +60,7 @@ void PutHandlesAndNames(ExitControlBlock *cb, const ZKHCONN *pHconn, const ZKHOB
 }
 
 void PutSelectors(ExitControlBlock *cb, const InquireArgs &a) {
-  PutCountLine(cb, "SelectorCount:", a.SelectorCount);
+  PutDecimalLine(cb, "SelectorCount:", a.SelectorCount);
   PutHexData(cb, "Selectors", a.Selectors, 4 * SelectorsRead(a), HEX_MODE_PLAIN);
 }
 
@@ -113,8 +99,8 @@ void InquireBeforeLines(ExitControlBlock *cb, const ZKHCONN *pHconn, const ZKHOB
     ShowParsedZkinqZksetOptionsInt(cb, 0, selectors, a.Selectors, 0, nullptr);
     ShowParsedZkinqZksetOptionsChar(cb, 0, selectors, a.Selectors, 0, nullptr, 0, nullptr);
   }
-  PutCountLine(cb, "IntAttrCount:", a.IntAttrCount);
-  PutCountLine(cb, "CharAttrLength:", a.CharAttrLength);
+  PutDecimalLine(cb, "IntAttrCount:", a.IntAttrCount);
+  PutDecimalLine(cb, "CharAttrLength:", a.CharAttrLength);
 }
 
 // After ZKINQ: what the queue manager returned (or left, when it failed).
@@ -134,12 +120,12 @@ void SetBeforeLines(ExitControlBlock *cb, const ZKHCONN *pHconn, const ZKHOBJ *p
                     const InquireArgs &a) {
   PutHandlesAndNames(cb, pHconn, pHobj);
   PutSelectors(cb, a);
-  PutCountLine(cb, "IntAttrCount:", a.IntAttrCount);
+  PutDecimalLine(cb, "IntAttrCount:", a.IntAttrCount);
   PutIntAttrs(cb, a);
   if (Parsed(cb)) {
     ShowIntValues(cb, 0, a);
   }
-  PutCountLine(cb, "CharAttrLength:", a.CharAttrLength);
+  PutDecimalLine(cb, "CharAttrLength:", a.CharAttrLength);
   PutCharAttrs(cb, a);
   if (Parsed(cb)) {
     ShowCharValues(cb, 0, a);

@@ -1,5 +1,9 @@
 #include "objects.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
 #include <ctime>
 #include <sys/time.h>
 
@@ -79,9 +83,27 @@ bool charMatch(const char *p, const char *t) {
   return (*p == '?' || *p == *t) && charMatch(p + 1, t + 1);
 }
 
-std::string formatTime(const char *format, bool hundredths) {
+// The clock that message and object times come from: the real one, or the
+// fixed time ZKQM_CLOCK gives (YYYYMMDDhhmmss, UTC), so that runs whose
+// traces are compared show the same dates and times every time.
+timeval clockNow() {
   timeval tv;
   gettimeofday(&tv, nullptr);
+  const char *fixed = std::getenv("ZKQM_CLOCK");
+  std::tm tm{};
+  if (fixed != nullptr && std::strlen(fixed) == 14 &&
+      std::sscanf(fixed, "%4d%2d%2d%2d%2d%2d", &tm.tm_year, &tm.tm_mon, &tm.tm_mday, &tm.tm_hour,
+                  &tm.tm_min, &tm.tm_sec) == 6) {
+    tm.tm_year -= 1900;
+    tm.tm_mon -= 1;
+    tv.tv_sec = timegm(&tm);
+    tv.tv_usec = 0;
+  }
+  return tv;
+}
+
+std::string formatTime(const char *format, bool hundredths) {
+  timeval tv = clockNow();
   std::tm tm;
   gmtime_r(&tv.tv_sec, &tm);
   char text[32];

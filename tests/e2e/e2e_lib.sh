@@ -44,9 +44,10 @@ cleanup() {
   rm -rf "$WORK"
 }
 
-# The environment zkqm runs in: nothing but a path and the C locale. zkqm
-# puts its own directory in front of the path.
-RUN_ENV=(env -i PATH=/usr/bin:/bin LC_ALL=C)
+# The environment zkqm runs in: nothing but a path, the C locale and a
+# fixed clock for the dates and times zkqm puts in messages. zkqm puts its
+# own directory in front of the path.
+RUN_ENV=(env -i PATH=/usr/bin:/bin LC_ALL=C ZKQM_CLOCK=20261124120000)
 
 # ini_stanza NAME FUNCTION MODULE DATA [SEQUENCE]: adds an ApiExitLocal
 # stanza to qm.ini.

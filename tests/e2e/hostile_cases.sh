@@ -320,7 +320,7 @@ compressed_trace() {
 # command only as part of the file's name, as one word the shell does not
 # read. Nothing is run, and the closed file is compressed under its name.
 case_compress_shell_injection() {
-  wz_def ShowZkVersion=no 'CompressCommand=gzip -f $' MaxFileSize=1000000 CompressFileSizeThreshold=100000
+  wz_def ShowZkVersion=no 'CompressCommand=gzip -f $' MaxFileSize=20000000 CompressFileSizeThreshold=100000
   local appl
   for appl in 'x;id>INJECTED;#' '$(id>PWNED2)' "a'b;id>PWNED3'" 'q`id>PWNED4`q' '|id>PWNED5&'; do
     rm -f "$DATA"/wz_* "$DATA"/alert*
@@ -343,7 +343,7 @@ case_compress_shell_injection() {
 # up the call that closed the file, and what it writes does not reach the
 # host's standard output or standard error.
 case_compress_in_background() {
-  wz_def ShowZkVersion=no 'CompressCommand=gzip -f $' MaxFileSize=1000000 CompressFileSizeThreshold=100000
+  wz_def ShowZkVersion=no 'CompressCommand=gzip -f $' MaxFileSize=20000000 CompressFileSizeThreshold=100000
   traffic_scn s.scn /opt/app/bin/packer
   run_zkqm s.scn
   local quick=$ELAPSED_MS
@@ -353,7 +353,7 @@ case_compress_in_background() {
 
   rm -f "$DATA"/wz_*
   wz_def ShowZkVersion=no 'CompressCommand=sleep 5; echo compress-out; echo compress-err >&2; gzip -f $' \
-    MaxFileSize=1000000 CompressFileSizeThreshold=100000
+    MaxFileSize=20000000 CompressFileSizeThreshold=100000
   run_zkqm s.scn
   local slow=$ELAPSED_MS
   host_survived
@@ -660,7 +660,12 @@ well_formed() {
     /^<[A-Z][A-Z0-9_]*$/ || /^\((BEFORE|AFTER|CONNECTION)$/ { next }
     /^(CompCode|Reason):-?[0-9]+$/ { next }
     /^QMgrName:[ -~]*$/ && length($0) <= 57 { next }
-    /^Hconn:0x[0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F]$/ { next }
+    /^(Hconn|Hobj|Options):0x[0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F]$/ { next }
+    /^(BufferLength|DataLength|WaitInterval):-?[0-9]+$/ { next }
+    /^[A-Za-z][A-Za-z>-]*:\([0-9]+=x[0-9A-F]+ bytes, Address 0x[0-9A-F]+\)$/ { next }
+    /^[0-9A-F]+:[0-9A-F ]+  \[[ -~]*\]$/ && length($0) <= 70 { next }
+    /^[0-9A-F]+-[0-9A-F]+ same as above$/ { next }
+    /^  \(Shown only leading [0-9]+ byte\(s\) \.\.\.\)$/ { next }
     /^\|--- Seq # / { if ($0 ~ /^\|--- Seq # : [0-9]+ -+$/) next }
     /^\| API process time: / { if ($0 ~ /^\| API process time: +[0-9]+\.[0-9][0-9][0-9][0-9][0-9][0-9] second$/) next }
     /^\|[ -~]*$/ && !/^\|--- Seq/ && !/^\| API process time/ { next }

@@ -167,7 +167,7 @@ case_trace_connect_options() {
   [ "$(count_of "$client" 'CNO->CSP:(48=x30 bytes, Address ')" -eq 2 ] || fail "not two CSP dumps"
   [ "$(count_of "$client" '|> LDAPUserName             : cn=bob,o=orders')" -eq 2 ] || fail "no LDAP user name cn=bob,o=orders"
   [ "$(count_of "$client" 'BO:(12=xC bytes, Address ')" -eq 2 ] || fail "not two BO dumps"
-  [ "$(count_of "$client" 'Hconn:0x00000001')" -eq 6 ] || fail "not six connection handle lines"
+  [ "$(count_of "$client" 'Hconn:0x00000001')" -eq 10 ] || fail "not ten connection handle lines (connect, two begins, commit, backout, open, two puts, close, disconnect)"
   contains "$client" "|> ConnectionId             : 5A4B434E 5A4B514D 31202020 20202020 00000000 00000001  [ZKCNZKQM1       ........]"
   [ "$(count_of "$refused" '|* Unknown : ZKCNO version 6')" -eq 2 ] || fail "ZKCNO version 6 not reported before and after"
   [ "$(count_of "$refused" '|* Unknown : ZKCD version 11')" -eq 2 ] || fail "ZKCD version 11 not reported before and after"
