@@ -126,6 +126,54 @@ case_trace_inquire() {
   same_as trace_inquire.txt "$f"
 }
 
+# A message of each kind put and got again, the data parsed through its
+# chain of headers: text, XML behind a rules-and-formatting header, a
+# command-format request and response, a message on a transmission queue
+# (its header carries the original descriptor) and a dead-letter message.
+case_trace_messages() {
+  wz_def ShowZkVersion=no ShowParsedMsgContent=yes
+  ini
+  run_zkqm trace_messages.scn
+  expect_status 0
+  same_calls trace_messages.scn
+  local f
+  f=$(one_file 'wz_ZKQM1_orders_*_1_001.txt')
+  check_sequence "$f" >/dev/null || fail "the records of $f are not numbered 1, 2, 3 ..."
+  # Each message is shown parsed twice: put and got.
+  [ "$(count_of "$f" '|> <order id=')" -eq 2 ] || fail "the XML of the order is not shown twice"
+  [ "$(count_of "$f" 'DataLength:')" -eq 6 ] || fail "not six gets that returned data"
+  same_as trace_messages.txt "$f"
+}
+
+# The objects a queue call opens and the names the trace gives them (queue
+# manager, model queue with its dynamic queue, topic, distribution list),
+# the data-conversion point, the display limits of put and get data, a
+# truncated get and a failed call of each queue and inquire family.
+case_trace_queue_kinds() {
+  wz_def ShowZkVersion=no ShowDataConvOnGet=yes ShowMaxLenPut=16 ShowMaxLenGet=8
+  ini
+  run_zkqm trace_queue_kinds.scn
+  expect_status 0
+  same_calls trace_queue_kinds.scn
+  local f
+  f=$(one_file 'wz_ZKQM1_queuekinds_*_1_001.txt')
+  check_sequence "$f" >/dev/null || fail "the records of $f are not numbered 1, 2, 3 ..."
+  [ "$(count_of "$f" '| ObjectName:(queue_manager)')" -eq 4 ] || fail "the queue manager object is not named before and after the open, on the inquire and the close"
+  [ "$(count_of "$f" '| (real name):REPLY.0000000000000001')" -eq 3 ] || fail "the dynamic queue is not named after the open, on the put and the close"
+  contains "$f" '| (real name):(topic) SCORES round-12/goals/scorers/assists/..'
+  contains "$f" '<DATA_CONV_ON_GET'
+  contains "$f" '  (Shown only leading 16 byte(s) ...)'
+  contains "$f" '  (Shown only leading 8 byte(s) ...)'
+  contains "$f" 'WaitInterval:50'
+  contains "$f" '| ObjectName:(unknown)'
+  local reason
+  for reason in ZKRC_MULTIPLE_REASONS ZKRC_TRUNCATED_MSG_ACCEPTED ZKRC_NO_MSG_AVAILABLE \
+    ZKRC_PUT_INHIBITED ZKRC_SELECTOR_ERROR ZKRC_UNKNOWN_OBJECT_NAME ZKRC_HOBJ_ERROR; do
+    contains "$f" "| Reason:$reason"
+  done
+  same_as trace_queue_kinds.txt "$f"
+}
+
 # without_channel_definitions FILE: the file without the dumps and fields
 # of channel definitions (from each "CNO->CD" title to the title after
 # them), and with the profile's channel line as ShowChannelAttributes=no
