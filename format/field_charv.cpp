@@ -135,8 +135,11 @@ void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *cha
   if (length < 0) {
     length = 0; // a negative size or length shows no data
   }
-  int32_t limit = cb->Settings.ShowMaxLenCharv;
-  if (limit >= 0 && length > limit) {
+  // Without a limit of its own the dump still stops at CHARV_DUMP_MAX: the
+  // length comes from the application, and a buffer size far beyond any
+  // string the platform takes is more likely a wrong field than text.
+  int32_t limit = cb->Settings.ShowMaxLenCharv >= 0 ? cb->Settings.ShowMaxLenCharv : CHARV_DUMP_MAX;
+  if (length > limit) {
     PutHexDataLen(cb, title, data, limit, HEX_MODE_PLAIN, length);
     TraceText note;
     TraceTextStart(&note, cb, TRACE_TEXT_WRITE_OUT);

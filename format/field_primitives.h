@@ -143,9 +143,15 @@ int32_t ShowParsedEncodingValue(ExitControlBlock *cb, int32_t encoding);
 int32_t ShowZKCHARV(ExitControlBlock *cb, const char *name, const ZKCHARV *charv,
                     const void *structure, const void *string);
 
+// The most bytes of one variable-length string dumped when ShowMaxLenCharv
+// sets no limit (negative): four times the longest string the platform
+// accepts in any of its descriptors.
+#define CHARV_DUMP_MAX 40960
+
 // Dumps the text of a variable-length string; `base` is the address of the
 // structure that holds the descriptor, for offset-addressed text. Text
-// beyond ShowMaxLenCharv is left out with a note.
+// beyond ShowMaxLenCharv (or CHARV_DUMP_MAX without a limit) is left out
+// with a note.
 void PutHexCharvData(ExitControlBlock *cb, const char *title, const ZKCHARV *charv,
                      const void *base);
 

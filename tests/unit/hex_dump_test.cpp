@@ -314,6 +314,25 @@ TEST_F(HexDumpTest, CharvLongerThanTheLimitIsCutWithANote) {
                     "  (Shown only leading 3 byte(s) ...)\n");
 }
 
+TEST_F(HexDumpTest, CharvWithoutALimitStopsAtTheBound) {
+  cb->Settings.ShowMaxLenCharv = -1;
+  std::string text(CHARV_DUMP_MAX + 100, 'x');
+  ZKCHARV v = {};
+  v.VSPtr = (ZKPTR)text.data();
+  v.VSLength = (ZKLONG)text.size();
+  PutHexCharvData(cb, "ObjectString", &v, &v);
+  std::string out = Take();
+  EXPECT_EQ(out.rfind("ObjectString:(41060=xA064 bytes)\n", 0), 0u) << out.substr(0, 80);
+  EXPECT_NE(out.find("00009FF0:78787878 78787878 78787878 78787878  [xxxxxxxxxxxxxxxx]\n"
+                     "  (Shown only leading 40960 byte(s) ...)\n"),
+            std::string::npos);
+  EXPECT_EQ(out.find("0000A000:"), std::string::npos);
+
+  v.VSLength = CHARV_DUMP_MAX;
+  PutHexCharvData(cb, "ObjectString", &v, &v);
+  EXPECT_EQ(Take().find("Shown only"), std::string::npos);
+}
+
 TEST_F(HexDumpTest, CharvWithinTheLimitHasNoNote) {
   cb->Settings.ShowMaxLenCharv = 8;
   ZKCHARV v = {};
