@@ -223,7 +223,14 @@ int32_t XaHandlerAfter(HandlerCall *call) {
   // The one XA return code stands for both the completion code and the reason.
   ZKLONG code = *OrZero(call->CompCode);
   if (cb->Settings.ShowSummaryOnly == 1) {
+    // The summary line names and times the call by the connection's current
+    // function, which pre-processing sets for ZKI calls only: a transaction
+    // call sets its own for its line and gives the ZKI call (it may come
+    // between that call's before and after) its function back.
+    int32_t current = cb->Call.CurrentFunction;
+    cb->Call.CurrentFunction = function;
     PutSimpleRecord(cb, code, code, first, second, nullptr, -1);
+    cb->Call.CurrentFunction = current;
     ShowPerformanceSummary(cb);
     return RC_NOP;
   }
