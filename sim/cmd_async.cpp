@@ -57,8 +57,8 @@ void applicationConsumer(ZKHCONN hconn, PZKMD md, PZKGMO gmo, PZKVOID buffer, PZ
 
 void deliverOne(QueueManager &qmgr, Connection &c, Delivery &d) {
   ZKHCONN hconn = c.hconn;
-  PZKMD pMd = &d.md;
-  PZKGMO pGmo = &d.gmo;
+  PZKMD pMd = d.event ? nullptr : &d.md;
+  PZKGMO pGmo = d.event ? nullptr : &d.gmo;
   PZKVOID pBuffer = d.buffer.empty() ? nullptr : d.buffer.data();
   PZKCBC pCbc = &d.cbc;
   std::string callType = constantName(d.cbc.CallType, "ZKCBCT_");
@@ -292,6 +292,40 @@ bool runDeliver(ScenarioContext &context, const ScenarioCommand &cmd, std::strin
   }
   int n = context.qmgr.deliver(*c);
   context.log.line("%s delivered %d callback call(s)", c->name.c_str(), n);
+  return true;
+}
+
+// event CONN [compcode=N] [reason=N]: a connection event for the
+// connection's event handler, delivered at once (the callback gets no
+// descriptor and no get options).
+bool checkEvent(const ScenarioCommand &cmd, std::string &error) {
+  if (!checkConnectionName(cmd.words[1], error)) {
+    return false;
+  }
+  Args args(cmd, 2);
+  return args.checkKeys({"compcode", "reason"}, {}, error) &&
+         args.checkValues({{"compcode", "ZKCC_"}, {"reason", "ZKRC_"}}, error);
+}
+
+bool runEvent(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
+  Connection *c = connectedOf(context, cmd.words[1], error);
+  if (c == nullptr) {
+    return false;
+  }
+  Args args(cmd, 2);
+  ZKLONG compCode = ZKCC_WARNING;
+  ZKLONG reason = ZKRC_RECONNECTING;
+  if ((args.has("compcode") && !parseValue(args.get("compcode"), "ZKCC_", compCode, error)) ||
+      (args.has("reason") && !parseValue(args.get("reason"), "ZKRC_", reason, error))) {
+    return false;
+  }
+  if (!context.qmgr.engine().raiseEvent(c->hconn, compCode, reason)) {
+    error = c->name + " has no event handler registered (cb ... type=EVENT_HANDLER)";
+    return false;
+  }
+  int n = context.qmgr.deliver(*c);
+  context.log.line("%s event CompCode %d Reason %s: delivered %d callback call(s)", c->name.c_str(),
+                   compCode, reasonWithName(reason).c_str(), n);
   return true;
 }
 

@@ -321,3 +321,48 @@ bool runXa(ScenarioContext &context, const ScenarioCommand &cmd, std::string &er
 }
 
 } // namespace zkqm
+
+namespace zkqm {
+
+// during CONN xa CONN OP ...: the transaction-manager call is made inside
+// the connection's next ZKI call instead of now.
+bool checkDuring(const ScenarioCommand &cmd, std::string &error) {
+  if (!checkConnectionName(cmd.words[1], error)) {
+    return false;
+  }
+  if (cmd.words.size() < 4 || cmd.words[2] != "xa") {
+    error = "during CONNECTION xa CONNECTION OPERATION ...: only an xa call can come inside a call";
+    return false;
+  }
+  ScenarioCommand inner = cmd;
+  inner.words.erase(inner.words.begin(), inner.words.begin() + 2);
+  if (inner.words[1] != cmd.words[1]) {
+    error = "during: the xa call must be made on the same connection";
+    return false;
+  }
+  return checkXa(inner, error);
+}
+
+bool runDuring(ScenarioContext &context, const ScenarioCommand &cmd, std::string &error) {
+  Connection *c = connectionOf(context, cmd.words[1], error);
+  if (c == nullptr) {
+    return false;
+  }
+  ScenarioCommand inner = cmd;
+  inner.words.erase(inner.words.begin(), inner.words.begin() + 2);
+  ScenarioContext *run = &context;
+  c->insideNextCall = [run, inner]() {
+    std::string failure;
+    if (!runXa(*run, inner, failure)) {
+      run->log.line("error: inside the call: %s", failure.c_str());
+    }
+  };
+  std::string words;
+  for (const std::string &word : inner.words) {
+    words += (words.empty() ? "" : " ") + word;
+  }
+  context.log.line("%s the next call carries: %s", c->name.c_str(), words.c_str());
+  return true;
+}
+
+} // namespace zkqm

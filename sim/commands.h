@@ -45,9 +45,11 @@ ZKQM_COMMAND(Subrq)
 ZKQM_COMMAND(Cb)
 ZKQM_COMMAND(Ctl)
 ZKQM_COMMAND(Deliver)
+ZKQM_COMMAND(Event)
 // cmd_xa.cpp
 ZKQM_COMMAND(Xid)
 ZKQM_COMMAND(Xa)
+ZKQM_COMMAND(During)
 // cmd_message.cpp
 ZKQM_COMMAND(Message)
 // cmd_show.cpp: expectations and displays.

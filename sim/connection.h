@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -88,6 +89,9 @@ struct Connection {
   ZKLONG lastXaReturn = 0;
   ZKLONG lastHobj = 0;
   int delivered = 0;     // callback calls made to this connection's consumers
+  // A transaction-manager call to be made inside the connection's next ZKI
+  // call, between the exits' before and after functions ('during').
+  std::function<void()> insideNextCall;
   std::thread::id owner; // the scenario thread that connected it
   int ownerPid = 0;      // and its process
 

@@ -84,6 +84,9 @@ struct Delivery {
   ZKCBC cbc = ZKCBC_DEFAULT;
   std::vector<unsigned char> buffer;
   bool hasMessage = false;
+  // An event for an event handler: the callback gets no descriptor, no get
+  // options and no buffer.
+  bool event = false;
 };
 
 struct EngineConn {
@@ -179,6 +182,10 @@ public:
   // start, stop) that is due, or a message for a consumer when the
   // connection is started. False when there is none.
   bool nextDelivery(ZKHCONN hconn, Delivery &delivery);
+  // Queues a connection event (CompCode and Reason as the event handler gets
+  // them) for the connection's event handler; false when none is
+  // registered.
+  bool raiseEvent(ZKHCONN hconn, ZKLONG compCode, ZKLONG reason);
   bool isStarted(ZKHCONN hconn);
 
   // ---- the resource manager's side of the transaction-manager calls -------

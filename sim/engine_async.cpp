@@ -184,6 +184,26 @@ bool Engine::isStarted(ZKHCONN hconn) {
   return c != nullptr && c->ctl == EngineConn::Ctl::Started;
 }
 
+bool Engine::raiseEvent(ZKHCONN hconn, ZKLONG compCode, ZKLONG reason) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  EngineConn *c = connOf(hconn);
+  if (c == nullptr) {
+    return false;
+  }
+  auto it = std::find_if(c->consumers.begin(), c->consumers.end(), [](const Consumer &k) {
+    return k.hobj == 0 && k.cbd.CallbackType == ZKCBT_EVENT_HANDLER;
+  });
+  if (it == c->consumers.end()) {
+    return false;
+  }
+  Delivery d = controlCall(*it, ZKCBCT_EVENT_CALL, c->connectionArea);
+  d.cbc.CompCode = compCode;
+  d.cbc.Reason = reason;
+  d.event = true;
+  c->pendingCalls.push_back(d);
+  return true;
+}
+
 bool Engine::nextDelivery(ZKHCONN hconn, Delivery &d) {
   std::lock_guard<std::mutex> lock(mutex_);
   EngineConn *c = connOf(hconn);

@@ -49,6 +49,14 @@ std::vector<Connection *> QueueManager::connections() {
 
 void QueueManager::perform(Connection &c, ApiCall &call, const std::function<void()> &execute) {
   BeforeOutcome before = runBefore(c, call);
+  // A call armed by 'during' comes inside the next ZKI call, as the queue
+  // manager's own calls to the transaction manager do (dynamic
+  // registration on the first piece of work under syncpoint).
+  if (c.insideNextCall && call.function < ZKXF_XACLOSE) {
+    std::function<void()> inside = std::move(c.insideNextCall);
+    c.insideNextCall = nullptr;
+    inside();
+  }
   if (before.perform) {
     execute();
   } else {
