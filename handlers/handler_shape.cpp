@@ -130,20 +130,20 @@ void HandlerAfterEnd(HandlerCall *call) {
   }
 }
 
-static void PutHandleLine(ExitControlBlock *cb, const char *label, const ZKLONG *handle) {
-  if (handle == nullptr) {
+void PutHexLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
+  if (value == nullptr) {
     return;
   }
   TraceText line;
   TraceTextStart(&line, cb, TRACE_TEXT_CUT);
   TraceTextAppendString(&line, label);
-  TraceTextAppendHex32(&line, (uint32_t)*handle);
+  TraceTextAppendHex32(&line, (uint32_t)*value);
   TraceTextAppendChar(&line, '\n');
   TraceTextWrite(&line);
 }
 
 void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options) {
-  PutHandleLine(cb, "Options:0x", options);
+  PutHexLine(cb, "Options:0x", options);
 }
 
 void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
@@ -159,11 +159,11 @@ void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value
 }
 
 void PutHconnLine(ExitControlBlock *cb, const ZKHCONN *hconn) {
-  PutHandleLine(cb, "Hconn:0x", hconn);
+  PutHexLine(cb, "Hconn:0x", hconn);
 }
 
 void PutHobjLine(ExitControlBlock *cb, const ZKHOBJ *hobj) {
-  PutHandleLine(cb, "Hobj:0x", hobj);
+  PutHexLine(cb, "Hobj:0x", hobj);
 }
 
 // A name line; names are shown as 7-bit text, so that a name cannot break
@@ -204,6 +204,9 @@ int32_t XaHandlerBefore(HandlerCall *call) {
   if (cb == nullptr || cb->FatalError) {
     return RC_NOP;
   }
+  // Each exit call takes its own clock reading; pre-processing, which
+  // starts a new one for the ZKI calls, is not run for these.
+  ForgetCallClock(cb);
   if (cb->Settings.ShowSummaryOnly == 1) {
     SetTimeBeforeApiCallXa(cb);
     return RC_NOP;
@@ -217,6 +220,7 @@ int32_t XaHandlerAfter(HandlerCall *call) {
   if (cb == nullptr || cb->FatalError) {
     return RC_NOP;
   }
+  ForgetCallClock(cb);
   int32_t function = call->Axp->Function;
   CallCounterRecord *first, *second;
   StatisticsOf(cb, function, &first, &second);

@@ -64,6 +64,11 @@ void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value
 // "Options:0x" and the options in eight upper-case hex digits.
 void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options);
 
+// Any such line: the label ("Type:0x", "Hsub:0x", "Action:0x",
+// "Operation:0x") and the value in eight upper-case hex digits. No line
+// when the value cannot be read (its address is null).
+void PutHexLine(ExitControlBlock *cb, const char *label, const ZKLONG *value);
+
 // "| ObjectName:" with the name the call's object handle was opened under,
 // and "| (real name):" with the name it resolved to when there is one.
 void PutObjectNameLines(ExitControlBlock *cb);

@@ -174,6 +174,45 @@ case_trace_queue_kinds() {
   same_as trace_queue_kinds.txt "$f"
 }
 
+# An external transaction manager's calls, traced with ShowXaCalls: XIDs in
+# both layouts, an ax_reg made inside a put (its own time slot: the put's
+# elapsed time is still measured from the put's before-call), xa_recover,
+# and the XA errors by name; in summary-only mode each call's line carries
+# its own name.
+case_trace_xa() {
+  wz_def ShowZkVersion=no ShowXaCalls=yes
+  ini
+  run_zkqm trace_xa.scn
+  expect_status 0
+  same_calls trace_xa.scn
+  local f
+  f=$(one_file 'wz_ZKQM1_payments_*_1_001.txt')
+  # Numbers go by the calls counted so far: the ax_reg inside the put takes
+  # the put's number (the put is counted at its after-call), so the next
+  # record notes one number as left out. The whole-file comparison below
+  # holds the numbering.
+  # The ax_reg records stand between the before- and after-record of the put.
+  awk '/^<ZKPUT$/ { put++ } /^<ax_reg$/ { if (put % 2 == 1) inside++ } END { exit inside != 2 }' "$f" ||
+    fail "the ax_reg records are not inside the put"
+  contains "$f" '| XA return value:XAER_NOTA'
+  contains "$f" 'xa_info:"payments resource manager"'
+  contains "$f" 'xa_info:(null)'
+  contains "$f" 'Total number of XIDs:1'
+  same_as trace_xa.txt "$f"
+
+  rm -f "$DATA"/wz_*
+  wz_def ShowZkVersion=no ShowXaCalls=yes ShowSummaryOnly=yes
+  run_zkqm trace_xa.scn
+  expect_status 0
+  f=$(one_file 'wz_ZKQM1_payments_*_1_summary_001.txt')
+  local name
+  for name in xa_open xa_start xa_end xa_prepare xa_commit ax_reg xa_recover xa_rollback \
+    ax_unreg xa_complete xa_close; do
+    grep -qE "^ +[0-9]+ [^ ]+ [^ ]+  $name( |[0-9])" "$f" || fail "no summary line of $name"
+  done
+  [ "$(grep -cE '^ +[0-9]+ [^ ]+ [^ ]+  ZKCONN ' "$f")" -eq 1 ] || fail "not one summary line of ZKCONN"
+}
+
 # without_channel_definitions FILE: the file without the dumps and fields
 # of channel definitions (from each "CNO->CD" title to the title after
 # them), and with the profile's channel line as ShowChannelAttributes=no

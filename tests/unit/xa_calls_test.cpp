@@ -298,6 +298,25 @@ TEST_F(XaCalls, SummaryOnlyLineCarriesTheTransactionCallsOwnName) {
   EXPECT_EQ(cb->Call.CurrentFunction, ZKXF_CONN);
 }
 
+TEST_F(XaCalls, EachCallReadsTheClockAfresh) {
+  // A reading left over from an earlier exit call (the epoch here) is not
+  // reused: these calls have no pre-processing to start a new one.
+  cb->Clock.CallTime.tv_sec = 0;
+  cb->Clock.CallTime.tv_usec = 0;
+  cb->Clock.CallTimeRead = 1;
+  PZKCHAR info = nullptr;
+  XaOpenBefore(Axp(ZKXF_XAOPEN, ZKXR_BEFORE), &axc, &hconn, &info, &rmid, &flags, &rc);
+  std::string text = capture.Take();
+  EXPECT_EQ(text.find("[1970/"), std::string::npos) << text;
+  EXPECT_NE(cb->Clock.XaBeforeTime.tv_sec, 0);
+  cb->Clock.CallTime.tv_sec = 0;
+  cb->Clock.CallTimeRead = 1;
+  XaOpenAfter(Axp(ZKXF_XAOPEN, ZKXR_AFTER), &axc, &hconn, &info, &rmid, &flags, &rc);
+  text = capture.Take();
+  EXPECT_EQ(text.find("[1970/"), std::string::npos) << text;
+  EXPECT_EQ(text.find("| API process time:-"), std::string::npos) << text;
+}
+
 TEST_F(XaCalls, TheHandlersChangeNoParameter) {
   ZKXID32 xid = Xid32(5, "GTRID-0001", "BQ01");
   ZKXID32 copy = xid;
