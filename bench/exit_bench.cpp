@@ -1,10 +1,11 @@
 // Cost of the exit per ZKI call, measured by calling its put and get
 // functions directly the way the queue manager does, in the settings that
 // matter: tracing off, queue not selected, summary only, full records
-// collected in the buffer, and every setting at its default (an empty
-// wz.def).
+// collected in the buffer, every setting at its default (an empty wz.def),
+// and at their defaults again with 1 KB of XML as the message, which the
+// parsed view shows tag by tag.
 // Also counts heap allocations made inside the loop: the exit must make none
-// per call. Run: build/bin/wz_exit_bench [calls [a|b|c|d|e]]
+// per call. Run: build/bin/wz_exit_bench [calls [a|b|c|d|e|f]]
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -62,14 +63,16 @@ void Fixed(char *field, size_t width, const char *value) {
 struct Setting {
   const char *Name;
   const char *Parameters;
+  bool Xml; // the message is 1 KB of XML in format ZKSTR, not a short text
 };
 
 const Setting kSettings[] = {
-    {"(a) ExecFlag=no", "ExecFlag=no\nCreateEmptyFile=no\n"},
-    {"(b) queue not selected", "TargetQueue=OTHER.Q\n"},
-    {"(c) ShowSummaryOnly=yes", "ShowSummaryOnly=yes\nWriteAfterEachApi=no\n"},
-    {"(d) full header records", "WriteAfterEachApi=no\n"},
-    {"(e) every setting default", ""},
+    {"(a) ExecFlag=no", "ExecFlag=no\nCreateEmptyFile=no\n", false},
+    {"(b) queue not selected", "TargetQueue=OTHER.Q\n", false},
+    {"(c) ShowSummaryOnly=yes", "ShowSummaryOnly=yes\nWriteAfterEachApi=no\n", false},
+    {"(d) full header records", "WriteAfterEachApi=no\n", false},
+    {"(e) every setting default", "", false},
+    {"(f) defaults, 1 KB XML", "", true},
 };
 
 // One connection with an open queue, driven through put and get pairs.
@@ -83,8 +86,24 @@ struct Connection {
   ZKPMO pmo = ZKPMO_DEFAULT;
   ZKGMO gmo = ZKGMO_DEFAULT;
   ZKOD od = ZKOD_DEFAULT;
-  char buffer[100] = "benchmark message";
+  char buffer[1100] = "benchmark message";
   ZKLONG length = 100, dataLength = 100;
+
+  // About 1 KB of orders as XML, described as a string.
+  void UseXml() {
+    static const char order[] = "<order id='7'><item>widget</item><qty>3</qty></order>";
+    size_t n = 0;
+    memcpy(buffer, "<orders>", 8);
+    n += 8;
+    while (n + sizeof order - 1 + 9 <= 1024) {
+      memcpy(buffer + n, order, sizeof order - 1);
+      n += sizeof order - 1;
+    }
+    memcpy(buffer + n, "</orders>", 9);
+    n += 9;
+    length = dataLength = (ZKLONG)n;
+    memcpy(md.Format, ZKFMT_STRING, sizeof md.Format);
+  }
 
   explicit Connection(const std::string &dir) {
     memset(&axp, 0, sizeof axp);
@@ -159,6 +178,9 @@ int main(int argc, char **argv) {
     long allocations;
     {
       Connection c(path);
+      if (setting.Xml) {
+        c.UseXml();
+      }
       c.PutAndGet(); // first calls open files and warm caches
       long before = gAllocations;
       double start = Now();
