@@ -181,7 +181,10 @@ struct ExitControlBlock {
   uint8_t ExecStatus;       // 1: tracing is on (ExecFlag and the process filter)
   uint8_t ProcessNameMatch; // the program passes the target/exclude process lists
   time_t LastUpdateCheck;   // last look for update request files
-  CodeRangeMap CodeRange;   // which byte sequences are characters in dumps
+  // The newest modification time (seconds) seen on any request file name,
+  // shared by all names: only a later one is a new request.
+  int32_t UpdateRequestTime;
+  CodeRangeMap CodeRange; // which byte sequences are characters in dumps
   // The write buffer: WriteBufferSize bytes at the end of the block.
   int32_t WriteBufferSize;
   int32_t WriteBufferFill;

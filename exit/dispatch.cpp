@@ -1,17 +1,26 @@
 #include "exit/dispatch.h"
 
+#include <stdio.h>
+
+#include "exit/debug_output.h"
+#include "text/call_names.h"
+
 #include <string.h>
 #include <time.h>
 
-#include "config/update_requests.h"
+#include "exit/update_requests.h"
 #include "exit/control_block.h"
 #include "output/timing.h"
 #include "exit/handle_list.h"
 #include "text/string_utils.h"
 
 const TargetQueueEntry *SearchTargetQueueParmEntry(const ExitControlBlock *cb) {
-  const ParameterSettings &settings = cb->Settings;
-  const char *queue = cb->Call.CurrentQueueName;
+  return SearchTargetQueueEntryByName(&cb->Settings, cb->Call.CurrentQueueName);
+}
+
+const TargetQueueEntry *SearchTargetQueueEntryByName(const ParameterSettings *parameters,
+                                                     const char *queue) {
+  const ParameterSettings &settings = *parameters;
   const TargetQueueEntry *best = nullptr;
   int32_t bestLength = -1;
   for (int32_t i = 0; i < settings.TargetQueueCount; i++) {
@@ -31,6 +40,80 @@ const TargetQueueEntry *SearchTargetQueueParmEntry(const ExitControlBlock *cb) {
     }
   }
   return best;
+}
+
+void ReselectQueueHandles(ExitControlBlock *cb) {
+  if (cb->Handles.HandleList == nullptr) {
+    return;
+  }
+  for (int32_t i = 0; i < cb->Handles.HandleCount; i++) {
+    QueueHandleEntry &entry = cb->Handles.HandleList[i];
+    uint8_t open = 1, put = 1, get = 1, inq = 1, set = 1;
+    if (cb->Settings.TargetQueueCount > 0) {
+      const TargetQueueEntry *target = SearchTargetQueueEntryByName(&cb->Settings, entry.QueueName);
+      open = target != nullptr ? 1 : 0;
+      put = target != nullptr ? target->P : 0;
+      get = target != nullptr ? target->G : 0;
+      inq = target != nullptr ? target->I : 0;
+      set = target != nullptr ? target->S : 0;
+    }
+    entry.OpenFlag = open;
+    entry.CloseFlag = open;
+    entry.PutFlag = put;
+    entry.GetFlag = get;
+    entry.InqFlag = inq;
+    entry.SetFlag = set;
+  }
+}
+
+void SelectCurrentCallAgain(ExitControlBlock *cb) {
+  if (cb->Call.CurrentExitReason != ZKXR_BEFORE) {
+    return;
+  }
+  int32_t function = cb->Call.CurrentFunction;
+  switch (function) {
+  case ZKXF_OPEN:
+  case ZKXF_CLOSE:
+  case ZKXF_PUT:
+  case ZKXF_GET:
+  case ZKXF_INQ:
+  case ZKXF_SET:
+    break;
+  default: // ZKCB keeps what the previous call decided, as at its selection
+    return;
+  }
+  if (cb->Settings.TargetQueueCount == 0) {
+    cb->Call.QueueSelected = 1;
+    return;
+  }
+  const char *name = cb->Call.CurrentQueueName;
+  // A handle that was not in the list left "(unknown)" or "(null)" as its
+  // name: no object name begins so, and such a call is not selected.
+  if (function != ZKXF_OPEN && name[0] == '(') {
+    cb->Call.QueueSelected = 0;
+    return;
+  }
+  const TargetQueueEntry *target = SearchTargetQueueEntryByName(&cb->Settings, name);
+  uint8_t selected = target != nullptr ? 1 : 0;
+  if (target != nullptr) {
+    switch (function) {
+    case ZKXF_PUT:
+      selected = target->P;
+      break;
+    case ZKXF_GET:
+      selected = target->G;
+      break;
+    case ZKXF_INQ:
+      selected = target->I;
+      break;
+    case ZKXF_SET:
+      selected = target->S;
+      break;
+    default:
+      break;
+    }
+  }
+  cb->Call.QueueSelected = selected;
 }
 
 void PreProcessOpenBefore(ExitControlBlock *cb, const char *objectName48) {
@@ -96,6 +179,11 @@ int32_t PreProcessForAnExitCall(const ZKAXP *axp, ExitControlBlock *cb, const ZK
                                 const ZKLONG *, const ZKHOBJ *pHobj, const char *objectName48) {
   int32_t function = axp->Function;
   int32_t exitReason = axp->ExitReason;
+  if (DebugWanted(cb)) {
+    char text[64];
+    snprintf(text, sizeof text, "%-8s - %s", FunctionName(function), ExitReasonName(exitReason));
+    DEBUG_STRING(cb, "Function ", text);
+  }
   ForgetCallClock(cb);
   cb->Call.CurrentFunction = function;
   cb->Call.CurrentExitReason = exitReason;

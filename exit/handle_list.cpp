@@ -1,5 +1,7 @@
 #include "exit/handle_list.h"
 
+#include "exit/debug_output.h"
+
 #include <stdlib.h>
 #include <string.h>
 
@@ -60,6 +62,24 @@ void queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t ope
   cb->Handles.HandleCount++;
 }
 
+// With debug output on, the whole table under a title.
+static void DebugHandleList(ExitControlBlock *cb, const char *title) {
+  if (!DebugWanted(cb)) {
+    return;
+  }
+  DEBUG_TITLE(cb, title);
+  for (int32_t i = 0; i < cb->Handles.HandleCount; i++) {
+    const QueueHandleEntry &entry = cb->Handles.HandleList[i];
+    DEBUG_INTEGER(cb, "handle list entry table", i);
+    DEBUG_INTEGER(cb, "handle (int)", entry.Hobj);
+    if (DebugWanted(cb)) {
+      debugHexShort(cb, "handle (hex)", &entry.Hobj, (int32_t)sizeof entry.Hobj, __FILE_NAME__,
+                    __LINE__);
+    }
+    DEBUG_STRING(cb, "object name ", entry.QueueName);
+  }
+}
+
 void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
                                          const char *objectName48, const char *resolvedName48) {
   CopyName48(cb->Call.CurrentQueueName, objectName48);
@@ -101,6 +121,7 @@ void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
     at = last;
   }
   cb->Handles.HandleList[at] = entry;
+  DebugHandleList(cb, "add entry to handle list");
 }
 
 void queueHandleListDeleteLastEntry(ExitControlBlock *cb) {
@@ -120,6 +141,7 @@ void queueHandleListDeleteEntry(ExitControlBlock *cb, int32_t index) {
   }
   cb->Handles.HandleCount--;
   memset(&cb->Handles.HandleList[cb->Handles.HandleCount], 0, sizeof(QueueHandleEntry));
+  DebugHandleList(cb, "delete entry to handle list");
 }
 
 int32_t queueHandleListSearchEntryByHandle(ExitControlBlock *cb, int32_t handle,

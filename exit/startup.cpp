@@ -10,10 +10,10 @@
 #include <time.h>
 #include <unistd.h>
 
-#include "config/update_requests.h"
 #include "exit/alerts.h"
 #include "exit/call_records.h"
 #include "exit/process_filter.h"
+#include "exit/update_requests.h"
 #include "output/timing.h"
 #include "output/record_writers.h"
 #include "output/trace_file.h"
@@ -204,6 +204,10 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
   cb->Call.CurrentExitReason = axp->ExitReason;
   cb->Call.CurrentCompCode = *pCompCode;
   PutHeaderRecord(cb, axp->Function, axp->ExitReason, *pCompCode, *pReason, nullptr, nullptr);
+  PutUntracedProcessNote(cb);
+}
+
+int32_t PutUntracedProcessNote(ExitControlBlock *cb) {
   if (cb->ProcessNameMatch == 0) {
     TraceText line;
     TraceTextStart(&line, cb, TRACE_TEXT_CUT);
@@ -213,10 +217,14 @@ void ApiTraceExitEntry(PZKAXP axp, PZKAXC axc, PZKLONG pCompCode, PZKLONG pReaso
     TraceTextAppendLiteral(&line, " is not in target process name list.");
     PutMsgToTrace(cb, TraceTextString(&line));
     CloseAndCompressFile(cb, nullptr);
-  } else if (cb->ExecStatus == 0) {
+    return 1;
+  }
+  if (cb->ExecStatus == 0) {
     PutMsgToTrace(cb, "ExecFlag=no or ExecFlag=env is set in parameter file.");
     CloseAndCompressFile(cb, nullptr);
+    return 1;
   }
+  return 0;
 }
 
 void TerminateConnection(PZKAXP pExitParms, PZKLONG pCompCode, PZKLONG pReason) {

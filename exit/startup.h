@@ -29,6 +29,11 @@ void TerminateConnection(PZKAXP pExitParms, PZKLONG pCompCode, PZKLONG pReason);
 int32_t InitializeMemoryArea(ExitControlBlock *cb, int32_t size, const ParameterSettings *settings,
                              const ZKAXP *pExitParms, const ZKAXC *pExitContext, uint8_t debug);
 
+// After the process filters: a process that the target list leaves out, or
+// that ExecFlag leaves untraced, gets a note saying why, and its file is
+// closed. 1 when it did, 0 when the process is traced.
+int32_t PutUntracedProcessNote(ExitControlBlock *cb);
+
 // The last component of a 28-character application name: what follows the
 // last '/' or ' ' once the name is trimmed. `out` has room for 80 bytes.
 void DeriveProcessName(const char *applName28, char *out);

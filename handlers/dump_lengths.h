@@ -12,6 +12,7 @@
 #include "zk/zkmd.h"
 #include "zk/zkod.h"
 #include "zk/zkpmo.h"
+#include "zk/zksub.h"
 
 struct ExitControlBlock;
 
@@ -48,6 +49,12 @@ inline constexpr DumpLengths kPmoDump = {
     "ZKPMO", 3, {ZKPMO_LENGTH_1, ZKPMO_LENGTH_2, ZKPMO_LENGTH_3}};
 inline constexpr DumpLengths kGmoDump = {
     "ZKGMO", 4, {ZKGMO_LENGTH_1, ZKGMO_LENGTH_2, ZKGMO_LENGTH_3, ZKGMO_LENGTH_4}};
+inline constexpr DumpLengths kSdDump = {"ZKSD", 1, {ZKSD_LENGTH_1}};
+inline constexpr DumpLengths kSroDump = {"ZKSRO", 1, {ZKSRO_LENGTH_1}};
+inline constexpr DumpLengths kStsDump = {"ZKSTS", 2, {ZKSTS_LENGTH_1, ZKSTS_LENGTH_2}};
+inline constexpr DumpLengths kCtloDump = {"ZKCTLO", 1, {ZKCTLO_LENGTH_1}};
+inline constexpr DumpLengths kCbdDump = {"ZKCBD", 1, {ZKCBD_LENGTH_1}};
+inline constexpr DumpLengths kCbcDump = {"ZKCBC", 2, {ZKCBC_LENGTH_1, ZKCBC_LENGTH_2}};
 
 // The length dumped for a structure of this version: a version above the
 // highest known is reported and dumped at the highest known length; one

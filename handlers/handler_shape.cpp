@@ -1,9 +1,11 @@
 #include "handlers/handler_shape.h"
 
+#include <stdio.h>
 #include <string.h>
 
 #include "exit/call_records.h"
 #include "exit/counting.h"
+#include "exit/debug_output.h"
 #include "exit/dispatch.h"
 #include "output/record_writers.h"
 #include "output/summary.h"
@@ -11,6 +13,8 @@
 #include "output/timing.h"
 #include "output/statistics_index.h"
 #include "output/trace_text.h"
+#include "text/call_names.h"
+#include "handlers/handler_names.h"
 
 namespace {
 
@@ -66,7 +70,9 @@ static int32_t PreProcess(HandlerCall *call) {
   return RC_OK;
 }
 
-int32_t HandlerBefore(HandlerCall *call) {
+static void DebugLeave(const HandlerCall *call);
+
+static int32_t BeforeStep(HandlerCall *call) {
   if (PreProcess(call) != RC_OK) {
     return RC_NOP;
   }
@@ -95,9 +101,12 @@ void HandlerBeforeEnd(HandlerCall *call) {
   if (call->Cb->Settings.WriteAfterEachApi == 1) {
     FlushTraceDataInBuffer(call->Cb);
   }
+  if (call->Path == HANDLER_PATH_RECORD) {
+    DebugLeave(call);
+  }
 }
 
-int32_t HandlerAfter(HandlerCall *call) {
+static int32_t AfterStep(HandlerCall *call) {
   if (PreProcess(call) != RC_OK) {
     return RC_NOP;
   }
@@ -128,6 +137,64 @@ void HandlerAfterEnd(HandlerCall *call) {
   if (call->Cb->Settings.WriteAfterEachApi == 1) {
     FlushTraceDataInBuffer(call->Cb);
   }
+  if (call->Path == HANDLER_PATH_RECORD) {
+    DebugLeave(call);
+  }
+}
+
+// The debug line of a handler on leaving: "ConnBefore return 3", the path
+// numbered 1 (nothing written), 2 (summary-only) or 3 (the record); for a
+// transaction-manager call "xa_commit (before) end".
+static void DebugLeave(const HandlerCall *call) {
+  if (!DebugWanted(call->Cb)) {
+    return;
+  }
+  char text[96];
+  int32_t function = call->Axp->Function;
+  int32_t exitReason = call->Axp->ExitReason;
+  if (function >= ZKXF_XACLOSE) {
+    snprintf(text, sizeof text, "%s (%s) end", FunctionName(function),
+             exitReason == ZKXR_AFTER ? "after" : "before");
+  } else {
+    snprintf(text, sizeof text, "%s return %d", HandlerNameOf(function, exitReason),
+             (int)call->Path);
+  }
+  DEBUG_STRING(call->Cb, "Function ", text);
+}
+
+static void DebugXaStart(const HandlerCall *call) {
+  if (!DebugWanted(call->Cb)) {
+    return;
+  }
+  char text[96];
+  snprintf(text, sizeof text, "%s (%s) start", FunctionName(call->Axp->Function),
+           call->Axp->ExitReason == ZKXR_AFTER ? "after" : "before");
+  DEBUG_STRING(call->Cb, "Function ", text);
+}
+
+// The path a step's answer leaves the handler by.
+static uint8_t PathOf(int32_t result) {
+  return result == RC_OK                  ? HANDLER_PATH_RECORD
+         : result == HANDLER_SUMMARY_ONLY ? HANDLER_PATH_SUMMARY
+                                          : HANDLER_PATH_NOTHING;
+}
+
+int32_t HandlerBefore(HandlerCall *call) {
+  int32_t result = BeforeStep(call);
+  call->Path = PathOf(result);
+  if (call->Path != HANDLER_PATH_RECORD && call->Cb != nullptr) {
+    DebugLeave(call);
+  }
+  return result;
+}
+
+int32_t HandlerAfter(HandlerCall *call) {
+  int32_t result = AfterStep(call);
+  call->Path = PathOf(result);
+  if (call->Path != HANDLER_PATH_RECORD && call->Cb != nullptr) {
+    DebugLeave(call);
+  }
+  return result;
 }
 
 void PutHexLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
@@ -199,7 +266,7 @@ void TraceCallAfter(PZKAXP axp, const ZKLONG *pCompCode, const ZKLONG *pReason) 
   }
 }
 
-int32_t XaHandlerBefore(HandlerCall *call) {
+static int32_t XaBeforeStep(HandlerCall *call) {
   ExitControlBlock *cb = call->Cb = HandlerControlBlock(call->Axp);
   if (cb == nullptr || cb->FatalError) {
     return RC_NOP;
@@ -215,7 +282,7 @@ int32_t XaHandlerBefore(HandlerCall *call) {
   return RC_OK;
 }
 
-int32_t XaHandlerAfter(HandlerCall *call) {
+static int32_t XaAfterStep(HandlerCall *call) {
   ExitControlBlock *cb = call->Cb = HandlerControlBlock(call->Axp);
   if (cb == nullptr || cb->FatalError) {
     return RC_NOP;
@@ -240,6 +307,32 @@ int32_t XaHandlerAfter(HandlerCall *call) {
   }
   PutHeaderRecord(cb, function, call->Axp->ExitReason, code, code, first, second);
   return RC_OK;
+}
+
+int32_t XaHandlerBefore(HandlerCall *call) {
+  call->Cb = HandlerControlBlock(call->Axp);
+  if (call->Cb != nullptr) {
+    DebugXaStart(call);
+  }
+  int32_t result = XaBeforeStep(call);
+  call->Path = result == RC_OK ? HANDLER_PATH_RECORD : HANDLER_PATH_NOTHING;
+  if (result != RC_OK && call->Cb != nullptr) {
+    DebugLeave(call);
+  }
+  return result;
+}
+
+int32_t XaHandlerAfter(HandlerCall *call) {
+  call->Cb = HandlerControlBlock(call->Axp);
+  if (call->Cb != nullptr) {
+    DebugXaStart(call);
+  }
+  int32_t result = XaAfterStep(call);
+  call->Path = result == RC_OK ? HANDLER_PATH_RECORD : HANDLER_PATH_NOTHING;
+  if (result != RC_OK && call->Cb != nullptr) {
+    DebugLeave(call);
+  }
+  return result;
 }
 
 void TraceXaCallBefore(PZKAXP axp) {

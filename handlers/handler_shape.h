@@ -36,7 +36,13 @@ struct HandlerCall {
   void (*AfterPreProcess)(HandlerCall *call);
   const void *Data;     // what AfterPreProcess needs (a structure of the call)
   ExitControlBlock *Cb; // set by HandlerBefore/HandlerAfter
+  uint8_t Path;         // how the handler leaves: HANDLER_PATH_...
 };
+
+// The ways a handler leaves, as its debug line numbers them.
+#define HANDLER_PATH_NOTHING 1 // pre-processing or the queue step: nothing written
+#define HANDLER_PATH_SUMMARY 2 // summary-only mode
+#define HANDLER_PATH_RECORD 3  // the whole record
 
 // HandlerBefore's answer when summary-only mode took the before-time.
 #define HANDLER_SUMMARY_ONLY 1

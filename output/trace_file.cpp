@@ -17,6 +17,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "exit/debug_output.h"
 #include "exit/alerts.h"
 #include "output/commands.h"
 #include "exit/exit_files.h"
@@ -94,10 +95,12 @@ int32_t SwitchTraceFile(ExitControlBlock *cb) {
   int64_t reopenedSize = 0;
   if (GenerateNewFileName(cb, &reopenedSize) != 0) {
     cb->FatalError = 1;
+    DEBUG_TITLE(cb, "fatal error occurred.");
     return -1;
   }
   if (OpenTraceFile(cb) != 0) {
     cb->FatalError = 1;
+    DEBUG_TITLE(cb, "fatal error occurred.");
     return -1;
   }
   cb->WriteBufferFill = 0;

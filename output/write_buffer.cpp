@@ -10,6 +10,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "exit/debug_output.h"
 #include "exit/alerts.h"
 #include "exit/control_block.h"
 #include "output/timing.h"
@@ -23,6 +24,7 @@ int32_t WriteDirect(ExitControlBlock *cb, const char *text, size_t length) {
   if (written < 0 || (size_t)written < length) {
     int error = written < 0 ? errno : 0;
     cb->FatalError = 1;
+    DEBUG_TITLE(cb, "fatal error occurred.");
     PutMessage<1001>(cb, error, cb->File.TraceFilePath, "write");
     return -1;
   }
@@ -73,6 +75,7 @@ int32_t WriteText(ExitControlBlock *cb, const char *text, size_t length) {
   if (cb->File.FileStream != nullptr) {
     if (fputs(text, cb->File.FileStream) < 0) {
       cb->FatalError = 1;
+      DEBUG_TITLE(cb, "fatal error occurred.");
       PutMessage<1001>(cb, -1, cb->File.TraceFilePath, "fputs");
       return -1;
     }
@@ -128,6 +131,7 @@ int32_t FlushTraceDataInBuffer(ExitControlBlock *cb) {
   // the buffer) passes, and the next write reports the disk's error.
   if (written < 0) {
     cb->FatalError = 1;
+    DEBUG_TITLE(cb, "fatal error occurred.");
     PutMessage<1001>(cb, -1, cb->File.TraceFilePath, "write");
     return -1;
   }

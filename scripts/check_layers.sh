@@ -5,7 +5,7 @@
 #
 # A file may include headers of its own folder and of the folders to its
 # left. The exception are the hub headers that every layer uses (the
-# control block, the alert messages, the queue handle list, and the safe
+# control block, the alert messages, the queue handle list, the debug output and the safe
 # opening of files, which the parameter file, the trace files and the alert
 # files all go through): they sit in exit/ and may be included from
 # anywhere. Prints every include that points
@@ -15,7 +15,7 @@
 set -eu
 cd "${1:-$(dirname "$0")/..}"
 
-hubs="exit/control_block.h exit/alerts.h exit/message_catalogue.h exit/handle_list.h exit/exit_files.h"
+hubs="exit/control_block.h exit/alerts.h exit/message_catalogue.h exit/handle_list.h exit/exit_files.h exit/debug_output.h"
 
 rank() {
   case $1 in

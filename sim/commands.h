@@ -55,6 +55,9 @@ ZKQM_COMMAND(Message)
 // cmd_show.cpp: expectations and displays.
 ZKQM_COMMAND(ExpectDepth)
 ZKQM_COMMAND(ShowMore)
+// cmd_files.cpp: pauses, and files written while the scenario runs.
+ZKQM_COMMAND(Sleep)
+ZKQM_COMMAND(File)
 
 #undef ZKQM_COMMAND
 

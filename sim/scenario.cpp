@@ -1,9 +1,11 @@
 #include "scenario.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <strings.h>
+#include <unistd.h>
 
 #include "constants.h"
 
@@ -489,7 +491,10 @@ bool hasVariable(const std::string &text) {
 
 ScenarioCommand substitute(const ScenarioCommand &command, const ScenarioContext &context) {
   ScenarioCommand out = command;
-  auto replace = [&](std::string &s) {
+  // A loop variable, else PID (the process running the line), else the
+  // environment variable of that name, else nothing. The logged text takes
+  // loop variables only, so that the log stays the same from run to run.
+  auto replace = [&](std::string &s, bool loopVariablesOnly) {
     std::size_t start = 0;
     while ((start = s.find("${", start)) != std::string::npos) {
       std::size_t end = s.find('}', start);
@@ -498,15 +503,25 @@ ScenarioCommand substitute(const ScenarioCommand &command, const ScenarioContext
       }
       std::string name = s.substr(start + 2, end - start - 2);
       auto it = context.vars.find(name);
-      std::string value = it != context.vars.end() ? it->second : "";
+      std::string value;
+      if (it != context.vars.end()) {
+        value = it->second;
+      } else if (loopVariablesOnly) {
+        start = end + 1;
+        continue;
+      } else if (name == "PID") {
+        value = std::to_string(static_cast<long>(getpid()));
+      } else if (const char *env = std::getenv(name.c_str())) {
+        value = env;
+      }
       s.replace(start, end - start + 1, value);
       start += value.size();
     }
   };
   for (std::string &w : out.words) {
-    replace(w);
+    replace(w, false);
   }
-  replace(out.text);
+  replace(out.text, true);
   return out;
 }
 

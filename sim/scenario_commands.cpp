@@ -630,6 +630,8 @@ const CommandRow kCommands[] = {
     {"expect", 3, 3, "expect CONNECTION what VALUE", checkExpect, runExpect},
     {"expect-depth", 2, 2, "expect-depth QUEUE N", checkExpectDepth, runExpectDepth},
     {"echo", 0, -1, "echo TEXT", nullptr, runEcho},
+    {"sleep", 1, 1, "sleep MILLISECONDS", checkSleep, runSleep},
+    {"file", 1, -1, "file PATH [size=N | line=TEXT ...] [touch] [mtime=+S|-S]", checkFile, runFile},
     {"repeat", 1, 3, "repeat N [var=NAME] [quiet] {", checkRepeat, runRepeat, true},
     {"thread", 1, 1, "thread NAME {", checkThread, runThread, true},
     {"process", 1, 1, "process NAME {", checkProcess, runProcess, true},

@@ -17,7 +17,12 @@
 #     identifier in trace and alert file names (wz_ZKQM1_app_<pid>_1_001.t);
 #     the exit context's thread id is the scenario's and stays;
 #   - the operating system's version, release, node name and machine;
-#   - storage addresses in dump titles ("Address 0x...").
+#   - storage addresses in dump titles ("Address 0x...");
+#   - the application's addresses that callback descriptors, control options
+#     and callback contexts carry (CallbackArea, CallbackFunction,
+#     ConnectionArea): in their field lines as 0x<addr>, and in the dumps
+#     of CBD, CTLO and CBC the words at those places as ptr*ptr* with "...."
+#     for their four characters.
 set -uo pipefail
 
 file=${1:?file to mask}
@@ -45,4 +50,36 @@ sed -E "${script[@]}" \
   -e 's#[ 0-9]{4}[0-9]\.[0-9]{6}#    s.uuuuuu#g' \
   -e '/^\|Operating environment$/,/^\|API Exit context$/s#^(\|  (Version|Release|Node name|Machine) +: ).*$#\1<masked>#' \
   -e 's#Address [0-9A-Fa-fx]+\)#Address <addr>)#g' \
-  "$file"
+  -e 's#^(\|> (CallbackArea|CallbackFunction|ConnectionArea) +: )0x[0-9A-F]{8}$#\10x<addr>#' \
+  "$file" | LC_ALL=C awk '
+  function hexval(text,    i, v) {
+    v = 0
+    for (i = 1; i <= length(text); i++) v = v * 16 + index("0123456789ABCDEF", substr(text, i, 1)) - 1
+    return v
+  }
+  # Byte offsets of the address words in the dumps of these structures.
+  BEGIN {
+    pointers["CBD"] = " 16 20 "
+    pointers["CTLO"] = " 16 "
+    pointers["CBC"] = " 16 20 "
+  }
+  /^[A-Za-z>-]+:\(/ { title = substr($0, 1, index($0, ":(") - 1); print; next }
+  /^[0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F]:/ && (title in pointers) {
+    base = hexval(substr($0, 1, 8))
+    hex = substr($0, 10, 35)
+    open = index($0, "  [")
+    chars = substr($0, open + 3, length($0) - open - 3)
+    n = split(hex, words, " ")
+    out = ""
+    for (w = 1; w <= n; w++) {
+      if (index(pointers[title], " " (base + 4 * (w - 1)) " ") > 0 && length(words[w]) == 8) {
+        words[w] = "ptr*ptr*"
+        chars = substr(chars, 1, 4 * (w - 1)) "...." substr(chars, 4 * w + 1)
+      }
+      out = out (w > 1 ? " " : "") words[w]
+    }
+    printf "%s:%-35s  [%s]\n", substr($0, 1, 8), out, chars
+    next
+  }
+  /^[0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][:-]/ { print; next }
+  { title = ""; print }'

@@ -213,6 +213,35 @@ case_trace_xa() {
   [ "$(grep -cE '^ +[0-9]+ [^ ]+ [^ ]+  ZKCONN ' "$f")" -eq 1 ] || fail "not one summary line of ZKCONN"
 }
 
+# The exit's own debug output: loaded through wzEntryDebug it writes a
+# debug file beside the trace, with the dispatcher's and the handlers' lines;
+# loaded through wzEntry it writes none.
+case_trace_debug_output() {
+  wz_def ShowZkVersion=no
+  rm -f qm.ini
+  ini_stanza wz wzEntryDebug "$WZLIB" "$DATA" 1
+  run_zkqm trace_short.scn
+  expect_status 0
+  same_calls trace_short.scn
+  local debug
+  debug=$(one_file 'wz_apiexit_debug_*_*_*.txt')
+  contains "$debug" "$(printf 'Function :\tZKCONN   - BEFORE')"
+  contains "$debug" "$(printf 'Function :\tConnBefore return 3')"
+  contains "$debug" "$(printf 'Function :\tDiscAfter return 3')"
+  local tab
+  tab=$(printf '\t')
+  grep -qvE "^\\*[0-9]{8} [0-9]{6}\\.[0-9]{6}  \\([a-z_]+\\.cpp [0-9]+\\)$tab[^$tab]*:$tab" "$debug" &&
+    fail "lines of another form in the debug file: $(grep -vE '^\*' "$debug" | head -3)"
+  [ -z "$(find "$DATA" -name 'wz_apiexit_debug_*' -perm /o=rwx)" ] || fail "the debug file is open to others"
+
+  rm -rf "$DATA"
+  wz_def ShowZkVersion=no
+  ini
+  run_zkqm trace_short.scn
+  expect_status 0
+  [ -z "$(find "$DATA" -name 'wz_apiexit_debug_*')" ] || fail "wzEntry wrote a debug file"
+}
+
 # without_channel_definitions FILE: the file without the dumps and fields
 # of channel definitions (from each "CNO->CD" title to the title after
 # them), and with the profile's channel line as ShowChannelAttributes=no
