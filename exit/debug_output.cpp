@@ -102,6 +102,16 @@ void EndAndWrite(const ExitControlBlock *cb, DebugLine *line) {
   Write(cb, line->Text, line->Length);
 }
 
+// One line whose value is a number in the given (constant) format.
+template <typename T>
+void WriteNumberLine(ExitControlBlock *cb, const char *label, const char *format, T value,
+                     const char *unit, uint32_t line) {
+  DebugLine text;
+  StartLine(&text, label, unit, line);
+  AppendFormat(&text, format, value);
+  EndAndWrite(cb, &text);
+}
+
 void AppendHexBytes(DebugLine *line, const unsigned char *bytes, int32_t length) {
   for (int32_t i = 0; i < length && line->Length < (int32_t)sizeof line->Text - 3; i++) {
     line->Text[line->Length++] = kNibbles.High[bytes[i]];
@@ -158,50 +168,32 @@ void debugString(ExitControlBlock *cb, const char *label, const char *value, con
 
 void debugInteger(ExitControlBlock *cb, const char *label, int32_t value, const char *unit,
                   uint32_t line) {
-  DebugLine text;
-  StartLine(&text, label, unit, line);
-  AppendFormat(&text, "%d", value);
-  EndAndWrite(cb, &text);
+  WriteNumberLine(cb, label, "%d", value, unit, line);
 }
 
 void debugUnsignedInteger(ExitControlBlock *cb, const char *label, uint32_t value, const char *unit,
                           uint32_t line) {
-  DebugLine text;
-  StartLine(&text, label, unit, line);
-  AppendFormat(&text, "%u", value);
-  EndAndWrite(cb, &text);
+  WriteNumberLine(cb, label, "%u", value, unit, line);
 }
 
 void debugInt64(ExitControlBlock *cb, const char *label, int64_t value, const char *unit,
                 uint32_t line) {
-  DebugLine text;
-  StartLine(&text, label, unit, line);
-  AppendFormat(&text, "%lld", (long long)value);
-  EndAndWrite(cb, &text);
+  WriteNumberLine(cb, label, "%lld", (long long)value, unit, line);
 }
 
 void debugUnsignedInt64(ExitControlBlock *cb, const char *label, uint64_t value, const char *unit,
                         uint32_t line) {
-  DebugLine text;
-  StartLine(&text, label, unit, line);
-  AppendFormat(&text, "%llu", (unsigned long long)value);
-  EndAndWrite(cb, &text);
+  WriteNumberLine(cb, label, "%llu", (unsigned long long)value, unit, line);
 }
 
 void debugDouble(ExitControlBlock *cb, const char *label, double value, const char *unit,
                  uint32_t line) {
-  DebugLine text;
-  StartLine(&text, label, unit, line);
-  AppendFormat(&text, "%.6f", value);
-  EndAndWrite(cb, &text);
+  WriteNumberLine(cb, label, "%.6f", value, unit, line);
 }
 
 void debugPointer(ExitControlBlock *cb, const char *label, const void *value, const char *unit,
                   uint32_t line) {
-  DebugLine text;
-  StartLine(&text, label, unit, line);
-  AppendFormat(&text, "%p", value);
-  EndAndWrite(cb, &text);
+  WriteNumberLine(cb, label, "%p", value, unit, line);
 }
 
 void debugFixedLenChar(ExitControlBlock *cb, const char *label, const void *bytes, int32_t length,

@@ -197,16 +197,31 @@ int32_t HandlerAfter(HandlerCall *call) {
   return result;
 }
 
-void PutHexLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
+// A label and a 32-bit value on a line of their own, in the form asked
+// for; no line when the value cannot be read (its address is null).
+enum NumberForm { NUMBER_HEX, NUMBER_SIGNED, NUMBER_UNSIGNED };
+
+static void PutNumberLine(ExitControlBlock *cb, const char *label, const ZKLONG *value,
+                          NumberForm form) {
   if (value == nullptr) {
     return;
   }
   TraceText line;
   TraceTextStart(&line, cb, TRACE_TEXT_CUT);
   TraceTextAppendString(&line, label);
-  TraceTextAppendHex32(&line, (uint32_t)*value);
+  if (form == NUMBER_HEX) {
+    TraceTextAppendHex32(&line, (uint32_t)*value);
+  } else if (form == NUMBER_SIGNED) {
+    TraceTextAppendInt32(&line, *value, 0);
+  } else {
+    TraceTextAppendUInt32(&line, (uint32_t)*value, 0);
+  }
   TraceTextAppendChar(&line, '\n');
   TraceTextWrite(&line);
+}
+
+void PutHexLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
+  PutNumberLine(cb, label, value, NUMBER_HEX);
 }
 
 void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options) {
@@ -214,15 +229,11 @@ void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options) {
 }
 
 void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
-  if (value == nullptr) {
-    return;
-  }
-  TraceText line;
-  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
-  TraceTextAppendString(&line, label);
-  TraceTextAppendInt32(&line, *value, 0);
-  TraceTextAppendChar(&line, '\n');
-  TraceTextWrite(&line);
+  PutNumberLine(cb, label, value, NUMBER_SIGNED);
+}
+
+void PutUnsignedLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
+  PutNumberLine(cb, label, value, NUMBER_UNSIGNED);
 }
 
 void PutHconnLine(ExitControlBlock *cb, const ZKHCONN *hconn) {

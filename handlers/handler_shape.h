@@ -66,6 +66,8 @@ void PutHobjLine(ExitControlBlock *cb, const ZKHOBJ *hobj);
 // in decimal, as the application gave it. No line when the value cannot be
 // read (its address is null).
 void PutDecimalLine(ExitControlBlock *cb, const char *label, const ZKLONG *value);
+// The same with the value as unsigned ("rmid:4294967295").
+void PutUnsignedLine(ExitControlBlock *cb, const char *label, const ZKLONG *value);
 
 // "Options:0x" and the options in eight upper-case hex digits.
 void PutOptionsLine(ExitControlBlock *cb, const ZKLONG *options);

@@ -113,6 +113,19 @@ void PutGetData(ExitControlBlock *cb, const ZKMD *const *ppMsgDesc, const ZKLONG
   ShowMsgContent(cb, ppMsgDesc, ppBuffer, received, cb->Settings.ShowMaxLenGet);
 }
 
+// The message a put hands over: its descriptor, its put options, the
+// buffer length and the data (no more of it dumped than ShowMaxLenPut).
+void PutMessageLines(ExitControlBlock *cb, const PPZKMD ppMsgDesc, const PPZKPMO ppPutMsgOpts,
+                     const ZKLONG *pBufferLength, const PPZKVOID ppBuffer) {
+  ShowZKMD(cb, Deref(ppMsgDesc));
+  ShowZKPMO(cb, Deref(ppPutMsgOpts));
+  PutDecimalLine(cb, "BufferLength:", pBufferLength);
+  if (pBufferLength != nullptr) {
+    ShowMsgContent(cb, ppMsgDesc, (const void *const *)ppBuffer, *pBufferLength,
+                   cb->Settings.ShowMaxLenPut);
+  }
+}
+
 // A before-record of the queue step's calls: the header record, then the
 // call's lines by `lines`.
 template <typename Lines> void QueueBefore(HandlerCall *call, Lines lines) {
@@ -203,13 +216,7 @@ void Put1Before(PZKAXP axp, PZKAXC, PZKHCONN pHconn, PPZKOD ppObjDesc, PPZKMD pp
     PutHconnLine(cb, pHconn);
     ShowZKOD(cb, od);
     PutObjectNameLines(cb);
-    ShowZKMD(cb, Deref(ppMsgDesc));
-    ShowZKPMO(cb, Deref(ppPutMsgOpts));
-    PutDecimalLine(cb, "BufferLength:", pBufferLength);
-    if (pBufferLength != nullptr) {
-      ShowMsgContent(cb, ppMsgDesc, (const void *const *)ppBuffer, *pBufferLength,
-                     cb->Settings.ShowMaxLenPut);
-    }
+    PutMessageLines(cb, ppMsgDesc, ppPutMsgOpts, pBufferLength, ppBuffer);
   });
 }
 
@@ -233,13 +240,7 @@ void PutBefore(PZKAXP axp, PZKAXC, PZKHCONN pHconn, PZKHOBJ pHobj, PPZKMD ppMsgD
   HandlerCall call = {axp, pCompCode, pReason, pHobj};
   QueueBefore(&call, [&](ExitControlBlock *cb) {
     PutHandlesAndNames(cb, pHconn, pHobj);
-    ShowZKMD(cb, Deref(ppMsgDesc));
-    ShowZKPMO(cb, Deref(ppPutMsgOpts));
-    PutDecimalLine(cb, "BufferLength:", pBufferLength);
-    if (pBufferLength != nullptr) {
-      ShowMsgContent(cb, ppMsgDesc, (const void *const *)ppBuffer, *pBufferLength,
-                     cb->Settings.ShowMaxLenPut);
-    }
+    PutMessageLines(cb, ppMsgDesc, ppPutMsgOpts, pBufferLength, ppBuffer);
   });
 }
 

@@ -18,19 +18,6 @@ namespace {
 // The most XIDs of one xa_recover shown.
 #define XA_RECOVER_SHOWN_MAX 1000
 
-// "LABEL" and the value in unsigned decimal; no line when it cannot be read.
-void PutUnsignedLine(ExitControlBlock *cb, const char *label, const ZKLONG *value) {
-  if (value == nullptr) {
-    return;
-  }
-  TraceText line;
-  TraceTextStart(&line, cb, TRACE_TEXT_CUT);
-  TraceTextAppendString(&line, label);
-  TraceTextAppendUInt32(&line, (uint32_t)*value, 0);
-  TraceTextAppendChar(&line, '\n');
-  TraceTextWrite(&line);
-}
-
 void PutRmidAndFlags(ExitControlBlock *cb, const ZKLONG *pRmid, const ZKLONG *pFlags) {
   PutUnsignedLine(cb, "rmid:", pRmid);
   ShowXaFlags(cb, pFlags);
