@@ -69,6 +69,7 @@ struct CallState {
   uint8_t QueueSelected;      // the call's object passes the TargetQueue filter
   char CurrentQueueName[49];  // name the call's object was opened under
   char ResolvedQueueName[49]; // name the queue manager resolved it to
+  uint8_t OpenEntryAdded;     // the ZKOPEN before-call added its handle-list entry
 };
 
 // Who is traced: the process, the connection and the program, found at

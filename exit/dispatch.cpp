@@ -124,17 +124,19 @@ void PreProcessOpenBefore(ExitControlBlock *cb, const char *objectName48) {
   StringTrim(cb->Call.CurrentQueueName);
   if (cb->Settings.TargetQueueCount == 0) {
     cb->Call.QueueSelected = 1;
-    queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 1, 1, 1, 1, 1, 1);
+    cb->Call.OpenEntryAdded =
+        queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 1, 1, 1, 1, 1, 1) == 0;
     return;
   }
   const TargetQueueEntry *entry = SearchTargetQueueParmEntry(cb);
   if (entry != nullptr) {
     cb->Call.QueueSelected = 1;
-    queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 1, 1, entry->P, entry->G, entry->I,
-                            entry->S);
+    cb->Call.OpenEntryAdded = queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 1, 1, entry->P,
+                                                      entry->G, entry->I, entry->S) == 0;
   } else {
     cb->Call.QueueSelected = 0;
-    queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 0, 0, 0, 0, 0, 0);
+    cb->Call.OpenEntryAdded =
+        queueHandleListAddEntry(cb, cb->Call.CurrentQueueName, 0, 0, 0, 0, 0, 0) == 0;
   }
 }
 

@@ -46,10 +46,10 @@ int32_t GrowHandleList(ExitControlBlock *cb) {
 
 } // namespace
 
-void queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t open, uint8_t close,
-                             uint8_t put, uint8_t get, uint8_t inq, uint8_t set) {
+int32_t queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t open, uint8_t close,
+                                uint8_t put, uint8_t get, uint8_t inq, uint8_t set) {
   if (cb->Handles.HandleCapacity <= cb->Handles.HandleCount + 1 && GrowHandleList(cb) != 0) {
-    return;
+    return -1;
   }
   QueueHandleEntry &entry = cb->Handles.HandleList[cb->Handles.HandleCount];
   CopyName48(entry.QueueName, name);
@@ -60,6 +60,7 @@ void queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t ope
   entry.InqFlag = inq;
   entry.SetFlag = set;
   cb->Handles.HandleCount++;
+  return 0;
 }
 
 // With debug output on, the whole table under a title.

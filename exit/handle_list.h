@@ -9,7 +9,7 @@
 
 struct ExitControlBlock;
 
-void queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t open, uint8_t close,
+int32_t queueHandleListAddEntry(ExitControlBlock *cb, const char *name, uint8_t open, uint8_t close,
                              uint8_t put, uint8_t get, uint8_t inq, uint8_t set);
 void queueHandleListSetHandleToLastEntry(ExitControlBlock *cb, int32_t handle,
                                          const char *objectName48, const char *resolvedName48);

@@ -34,9 +34,13 @@ void OpenNameOf(const ZKOD *od, char *name49) {
 // entry, or the entry of a failed open goes.
 void KeepOpenedHandle(PZKAXP axp, const ZKOD *od, const ZKHOBJ *pHobj, const ZKLONG *pCompCode) {
   ExitControlBlock *cb = HandlerControlBlock(axp);
-  if (cb == nullptr || cb->Handles.HandleCount < 1) {
+  // Only the entry the before-call added is completed or taken back: when
+  // the list could not grow there is none, and the last entry is another
+  // handle's.
+  if (cb == nullptr || cb->Handles.HandleCount < 1 || !cb->Call.OpenEntryAdded) {
     return;
   }
+  cb->Call.OpenEntryAdded = 0;
   if (pCompCode != nullptr && *pCompCode == ZKCC_FAILED) {
     queueHandleListDeleteLastEntry(cb);
     return;

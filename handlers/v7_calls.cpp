@@ -51,8 +51,9 @@ void KeepSubscriptionHandle(PZKAXP axp, const ZKSD *sd, const ZKHSUB *pHsub,
   }
   char topic[200];
   SetTopicString(cb, sd->ObjectName, &sd->ObjectString, sd, topic, sizeof topic);
-  queueHandleListAddEntry(cb, "", 1, 1, 1, 1, 1, 1);
-  queueHandleListSetHandleToLastEntry(cb, *pHsub, "", topic);
+  if (queueHandleListAddEntry(cb, "", 1, 1, 1, 1, 1, 1) == 0) {
+    queueHandleListSetHandleToLastEntry(cb, *pHsub, "", topic);
+  }
 }
 
 bool Parsed(const ExitControlBlock *cb) {

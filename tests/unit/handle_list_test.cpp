@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
+#include <stdio.h>
 #include <string.h>
+
+#include <string>
+#include <vector>
 
 #include "exit/control_block.h"
 #include "exit/handle_list.h"
+#include "tests/unit/test_support.h"
 
 namespace {
 
@@ -119,4 +124,25 @@ TEST_F(HandleListTest, NamesAreCutAtFortyEightAndTrimmed) {
   EXPECT_EQ(strlen(cb->Handles.HandleList[0].QueueName), 48u);
   queueHandleListAddEntry(cb, "  Q1   ", 1, 1, 1, 1, 1, 1);
   EXPECT_STREQ(cb->Handles.HandleList[1].QueueName, "Q1");
+}
+
+TEST_F(HandleListTest, AnEntryThatCannotBeAddedIsReportedAndLeavesTheListAsItWas) {
+  TempDir dir;
+  snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s/", dir.Path().c_str());
+  Open(7, "Q7");
+  QueueHandleEntry *list = cb->Handles.HandleList;
+  // A list so long that growing it cannot be allocated.
+  int32_t count = cb->Handles.HandleCount;
+  int32_t capacity = cb->Handles.HandleCapacity;
+  cb->Handles.HandleCount = 0x40000000;
+  cb->Handles.HandleCapacity = 0x40000000;
+  EXPECT_EQ(queueHandleListAddEntry(cb, "NEW", 1, 1, 1, 1, 1, 1), -1);
+  EXPECT_EQ(cb->Handles.HandleCount, 0x40000000);
+  EXPECT_EQ(cb->Handles.HandleList, list);
+  std::vector<std::string> files = dir.List();
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_NE(dir.Read(files[0]).find("Msg1010: No more memory is available."), std::string::npos);
+  cb->Handles.HandleCount = count;
+  cb->Handles.HandleCapacity = capacity;
+  EXPECT_EQ(queueHandleListAddEntry(cb, "NEW", 1, 1, 1, 1, 1, 1), 0);
 }
