@@ -20,9 +20,10 @@
 #   - storage addresses in dump titles ("Address 0x...");
 #   - the application's addresses that callback descriptors, control options
 #     and callback contexts carry (CallbackArea, CallbackFunction,
-#     ConnectionArea): in their field lines as 0x<addr>, and in the dumps
-#     of CBD, CTLO and CBC the words at those places as ptr*ptr* with "...."
-#     for their four characters.
+#     ConnectionArea), and the string addresses a status structure carries:
+#     in their field lines as 0x<addr>, and in the dumps of CBD, CTLO, CBC
+#     and STS the words at those places as ptr*ptr* with "...." for their
+#     four characters.
 set -uo pipefail
 
 file=${1:?file to mask}
@@ -51,6 +52,7 @@ sed -E "${script[@]}" \
   -e '/^\|Operating environment$/,/^\|API Exit context$/s#^(\|  (Version|Release|Node name|Machine) +: ).*$#\1<masked>#' \
   -e 's#Address [0-9A-Fa-fx]+\)#Address <addr>)#g' \
   -e 's#^(\|> (CallbackArea|CallbackFunction|ConnectionArea) +: )0x[0-9A-F]{8}$#\10x<addr>#' \
+  -e '/^STS:\(/,/^-$/s#^(\|>   VSPtr +: )0x[0-9A-F]{8}$#\10x<addr>#' \
   "$file" | LC_ALL=C awk '
   function hexval(text,    i, v) {
     v = 0
@@ -62,6 +64,7 @@ sed -E "${script[@]}" \
     pointers["CBD"] = " 16 20 "
     pointers["CTLO"] = " 16 "
     pointers["CBC"] = " 16 20 "
+    pointers["STS"] = " 224 244 "
   }
   /^[A-Za-z>-]+:\(/ { title = substr($0, 1, index($0, ":(") - 1); print; next }
   /^[0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F][0-9A-F]:/ && (title in pointers) {

@@ -242,6 +242,33 @@ case_trace_debug_output() {
   [ -z "$(find "$DATA" -name 'wz_apiexit_debug_*')" ] || fail "wzEntry wrote a debug file"
 }
 
+# Subscriptions, publications, status, callbacks and a connection event,
+# traced whole: the subscription descriptor at its version with its strings,
+# the topic names of subscription handles (a long one cut at 48 characters
+# with ".."), PubPriority "as parent", the status structure, the message
+# consumer's register, start and stop calls and the messages it gets, and an
+# event handler's callback, which comes without descriptor or get options.
+case_trace_subscriptions() {
+  wz_def ShowZkVersion=no ShowParsedMsgContent=yes
+  ini
+  run_zkqm trace_subscriptions.scn
+  expect_status 0
+  same_calls trace_subscriptions.scn
+  local f
+  f=$(one_file 'wz_ZKQM1_subscriber_*_1_001.txt')
+  # The callbacks START_WAIT makes come inside the ZKCTL: the first takes
+  # the ZKCTL's number, as the ax_reg inside a put does (see case_trace_xa).
+  contains "$f" '| (real name):(topic) results/premier-league/season-2026/rou..'
+  contains "$f" '|> PubPriority              : as parent'
+  contains "$f" '| Reason:ZKRC_UNKNOWN_OBJECT_NAME'
+  contains "$f" '| Reason:ZKRC_NO_CALLBACKS_ACTIVE'
+  contains "$f" '|> CallType                 : EVENT_CALL'
+  # The event's callback shows empty descriptor and get-options dumps.
+  awk '/^<ZKCB_FU$/ { n = NR } n && NR > n && /^MD:\(0=x0 bytes/ { found = 1 } END { exit !found }' "$f" ||
+    fail "no empty MD dump in a callback record"
+  same_as trace_subscriptions.txt "$f"
+}
+
 # without_channel_definitions FILE: the file without the dumps and fields
 # of channel definitions (from each "CNO->CD" title to the title after
 # them), and with the profile's channel line as ShowChannelAttributes=no
