@@ -4,9 +4,10 @@
 #include <stdint.h>
 
 #include "exit/control_block.h"
+#include "wz_version.h"
 #include "zk/zkxc.h"
 
-#define PROGRAM_VERSION "7.52"
+#define PROGRAM_VERSION WZ_VERSION
 #define PRODUCT_TITLE "wz API call trace exit for ZK"
 #define BUILD_VARIANT "Common to single thread and multi thread"
 #define MAKER_CONTACT "wz support <support@wz-trace.example>"

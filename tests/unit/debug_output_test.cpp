@@ -17,18 +17,19 @@
 #include "exit/handle_list.h"
 #include "handlers/handlers.h"
 #include "tests/harness_text.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/handler_fixture.h"
 #include "tests/unit/test_support.h"
 #include "zk/zk.h"
 
 namespace {
 
-struct DebugOutput : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
+// Debugging on, the debug file in a directory of its own; a handler
+// fixture, so that the lines the handlers write can be checked too.
+struct DebugOutput : HandlerFixture {
   TempDir dir;
 
   void SetUp() override {
+    HandlerFixture::SetUp();
     snprintf(cb->File.TraceDirectory, sizeof cb->File.TraceDirectory, "%s/", dir.Path().c_str());
     cb->Identity.ZkaxcThreadId = 7;
     cb->Debug = 1;
@@ -150,26 +151,13 @@ TEST_F(DebugOutput, TheMacrosWriteNothingWithoutTheFlag) {
 }
 
 TEST_F(DebugOutput, HandlersWriteTheirNameAndExitPath) {
-  cb->ExecStatus = 1;
-  cb->File.NoAddress = 1;
-  cb->Settings.CheckUpdateRequestInterval = 0;
-  ZKAXP axp;
-  ZKAXC axc;
-  memset(&axp, 0, sizeof axp);
-  memset(&axc, 0, sizeof axc);
-  axp.ExitChainAreaPtr = cb;
-  axp.Function = ZKXF_CMIT;
-  axp.ExitReason = ZKXR_BEFORE;
   ZKHCONN hconn = 1;
-  ZKLONG compCode = 0, reason = 0;
-  CmitBefore(&axp, &axc, &hconn, &compCode, &reason);
+  CmitBefore(Axp(ZKXF_CMIT, ZKXR_BEFORE), &axc, &hconn, &compCode, &reason);
   cb->ExecStatus = 0;
-  axp.ExitReason = ZKXR_AFTER;
-  CmitAfter(&axp, &axc, &hconn, &compCode, &reason);
+  CmitAfter(Axp(ZKXF_CMIT, ZKXR_AFTER), &axc, &hconn, &compCode, &reason);
   cb->ExecStatus = 1;
   cb->Settings.ShowSummaryOnly = 1;
-  axp.ExitReason = ZKXR_BEFORE;
-  CmitBefore(&axp, &axc, &hconn, &compCode, &reason);
+  CmitBefore(Axp(ZKXF_CMIT, ZKXR_BEFORE), &axc, &hconn, &compCode, &reason);
   EXPECT_EQ(Lines(), (std::vector<std::string>{
                          "Function :\tZKCMIT   - BEFORE", "Function :\tCmitBefore return 3",
                          "Function :\tZKCMIT   - AFTER", "Function :\tCmitAfter return 1",
@@ -177,30 +165,18 @@ TEST_F(DebugOutput, HandlersWriteTheirNameAndExitPath) {
 }
 
 TEST_F(DebugOutput, TransactionCallsWriteStartAndEnd) {
-  cb->File.NoAddress = 1;
-  ZKAXP axp;
-  ZKAXC axc;
-  memset(&axp, 0, sizeof axp);
-  memset(&axc, 0, sizeof axc);
-  axp.ExitChainAreaPtr = cb;
-  axp.Function = ZKXF_XACOMMIT;
-  axp.ExitReason = ZKXR_BEFORE;
   ZKHCONN hconn = 1;
   ZKLONG rmid = 1, flags = 0, rc = 0;
   ZKPTR xid = nullptr;
-  XaCommitBefore(&axp, &axc, &hconn, &xid, &rmid, &flags, &rc);
+  XaCommitBefore(Axp(ZKXF_XACOMMIT, ZKXR_BEFORE), &axc, &hconn, &xid, &rmid, &flags, &rc);
   EXPECT_EQ(Lines(), (std::vector<std::string>{"Function :\txa_commit (before) start",
                                                "Function :\txa_commit (before) end"}));
 }
 
 TEST_F(DebugOutput, TheHandleListIsListedWhenItChanges) {
-  cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-  cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
   queueHandleListAddEntry(cb, "APP.IN", 1, 1, 1, 1, 1, 1);
   queueHandleListSetHandleToLastEntry(cb, 0x65, "APP.IN", nullptr);
   queueHandleListDeleteEntry(cb, 0);
-  free(cb->Handles.HandleList);
-  cb->Handles.HandleList = nullptr;
   EXPECT_EQ(Lines(),
             (std::vector<std::string>{"add entry to handle list:\t", "handle list entry table:\t0",
                                       "handle (int):\t101", "handle (hex):\t65000000",

@@ -4,24 +4,18 @@
 // summary-only mode, and counts and arrays that the application got wrong.
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
 #include <string.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "exit/control_block.h"
 #include "exit/handle_list.h"
 #include "handlers/handlers.h"
-#include "output/statistics_index.h"
-#include "tests/harness_text.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/handler_fixture.h"
 #include "zk/zk.h"
 
 namespace {
-
-const ZKHCONN kHconn = 0x1A2B;
-const ZKHOBJ kHobj = 0x51;
 
 // One call's parameters as the queue manager passes them.
 struct InqParms {
@@ -38,41 +32,11 @@ struct InqParms {
   PZKCHAR charAttrs = charArea;
 };
 
-struct InquireCalls : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-  ZKAXP axp;
-  ZKAXC axc;
-  ZKLONG compCode = ZKCC_OK;
-  ZKLONG reason = ZKRC_NONE;
-  InqParms *p = new InqParms();
-
-  void SetUp() override {
-    cb->Settings.CheckUpdateRequestInterval = 0;
-    cb->Settings.ShowParsedData = 1;
-    cb->File.NoAddress = 1;
-    cb->ExecStatus = 1;
-    cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-    cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
-    memset(&axp, 0, sizeof axp);
-    memset(&axc, 0, sizeof axc);
-    axp.ExitChainAreaPtr = cb;
-  }
-  void TearDown() override {
-    free(cb->Handles.HandleList);
-    delete p;
-  }
-
+struct InquireCalls : HandlerParmsFixture<InqParms> {
   // A handle in the list as ZKOPEN leaves it, with its inquire and set flags.
   void Opened(const char *name, const char *resolved, uint8_t inq = 1, uint8_t set = 1) {
     queueHandleListAddEntry(cb, name, 1, 1, 1, 1, inq, set);
     queueHandleListSetHandleToLastEntry(cb, kHobj, name, resolved);
-  }
-
-  PZKAXP Axp(int32_t function, int32_t exitReason) {
-    axp.Function = function;
-    axp.ExitReason = exitReason;
-    return &axp;
   }
 
   void Selectors(std::vector<ZKLONG> s) {
@@ -110,46 +74,10 @@ struct InquireCalls : ::testing::Test {
     SetAfter(Axp(ZKXF_SET, ZKXR_AFTER), &axc, &p->hconn, &p->hobj, &p->selectorCount, &p->selectors,
              &p->intAttrCount, &p->intAttrs, &p->charAttrLength, &p->charAttrs, &compCode, &reason);
   }
-
-  // The lines a record holds after its header: after the exit-reason line
-  // of a before-record, after the process time of an after-record.
-  std::vector<std::string> OwnLines() {
-    std::string text = capture.Take();
-    std::vector<std::string> lines = SplitTextLines(text);
-    size_t from = lines.size() + 1;
-    for (size_t i = 0; i < lines.size(); i++) {
-      if (lines[i] == "(BEFORE" || lines[i].compare(0, 19, "| API process time:") == 0) {
-        from = i + 1;
-      }
-    }
-    EXPECT_LE(from, lines.size()) << "no header record in:\n" << text;
-    if (from > lines.size()) {
-      return {};
-    }
-    return std::vector<std::string>(lines.begin() + (long)from, lines.end());
-  }
-
-  CallCounterRecord &Counted(int32_t function) {
-    return cb->Counters.Statistics[StatisticsIndexOfFunction(function)][COUNTER_CUMULATIVE];
-  }
 };
-
-// A field line as the formatters write it: "|> ", the name in 25 columns,
-// ": " and the value.
-std::string Field(const std::string &name, const std::string &value) {
-  std::string padded = name;
-  padded.resize(25, ' ');
-  return "|> " + padded + ": " + value;
-}
 
 std::string Blanks(size_t n) {
   return std::string(n, ' ');
-}
-
-// A dump line: offset and hex words, the character column from column 46.
-std::string Dump(std::string offsetAndHex, const std::string &characters) {
-  offsetAndHex.resize(46, ' ');
-  return offsetAndHex + "[" + characters + "]";
 }
 
 } // namespace
@@ -511,7 +439,7 @@ TEST_F(InquireCalls, TheHandlersChangeNoParameter) {
   Chars("some trigger data and names");
   compCode = ZKCC_WARNING;
   reason = ZKRC_CHAR_ATTRS_TOO_SHORT;
-  InqParms *copy = new InqParms(*p);
+  std::unique_ptr<InqParms> copy = Copy();
   InqB();
   InqA();
   SetB();
@@ -524,11 +452,10 @@ TEST_F(InquireCalls, TheHandlersChangeNoParameter) {
   EXPECT_EQ(p->selectors, p->selectorArray);
   EXPECT_EQ(p->intAttrs, p->intArray);
   EXPECT_EQ(p->charAttrs, p->charArea);
-  EXPECT_EQ(memcmp(p->selectorArray, copy->selectorArray, sizeof p->selectorArray), 0);
-  EXPECT_EQ(memcmp(p->intArray, copy->intArray, sizeof p->intArray), 0);
-  EXPECT_EQ(memcmp(p->charArea, copy->charArea, sizeof p->charArea), 0);
+  EXPECT_SAME_BYTES(p->selectorArray, copy->selectorArray);
+  EXPECT_SAME_BYTES(p->intArray, copy->intArray);
+  EXPECT_SAME_BYTES(p->charArea, copy->charArea);
   EXPECT_EQ(compCode, ZKCC_WARNING);
   EXPECT_EQ(reason, ZKRC_CHAR_ATTRS_TOO_SHORT);
   EXPECT_NE(capture.Take().find("<ZKSET\n"), std::string::npos);
-  delete copy;
 }

@@ -11,56 +11,15 @@
 #include <string>
 #include <vector>
 
-#include "exit/control_block.h"
-#include "exit/handle_list.h"
 #include "handlers/handlers.h"
 #include "handlers/short_dumps.h"
 #include "tests/harness_text.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/handler_fixture.h"
 #include "zk/zk.h"
 
 namespace {
 
-struct QMgrCalls : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-  ZKAXP axp;
-  ZKAXC axc;
-  ZKLONG compCode = ZKCC_OK;
-  ZKLONG reason = ZKRC_NONE;
-
-  void SetUp() override {
-    cb->Settings.CheckUpdateRequestInterval = 0;
-    cb->File.NoAddress = 1;
-    cb->ExecStatus = 1;
-    cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-    cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
-    memset(&axp, 0, sizeof axp);
-    memset(&axc, 0, sizeof axc);
-    axp.ExitChainAreaPtr = cb;
-  }
-  void TearDown() override { free(cb->Handles.HandleList); }
-
-  PZKAXP Axp(int32_t function, int32_t exitReason) {
-    axp.Function = function;
-    axp.ExitReason = exitReason;
-    return &axp;
-  }
-
-  // The lines a record holds after its header: after the exit-reason line
-  // of a before-record, after the process time of an after-record.
-  std::vector<std::string> OwnLines() {
-    std::vector<std::string> lines = SplitTextLines(capture.Take());
-    size_t from = lines.size();
-    for (size_t i = 0; i < lines.size(); i++) {
-      if (lines[i] == "(BEFORE" || lines[i].compare(0, 19, "| API process time:") == 0) {
-        from = i + 1;
-      }
-    }
-    EXPECT_LT(from, lines.size() + 1) << "no header record";
-    return std::vector<std::string>(lines.begin() + (long)from, lines.end());
-  }
-
+struct QMgrCalls : HandlerFixture {
   // What the short dumps write by themselves.
   std::string Cno(const ZKCNO *cno) {
     ShowZKCNO(cb, cno);
@@ -74,13 +33,6 @@ struct QMgrCalls : ::testing::Test {
 
 std::vector<std::string> Lines(const std::string &text) {
   return SplitTextLines(text);
-}
-
-template <typename... T> std::vector<std::string> Join(std::vector<std::string> first, T... rest) {
-  for (const std::vector<std::string> &more : {rest...}) {
-    first.insert(first.end(), more.begin(), more.end());
-  }
-  return first;
 }
 
 } // namespace
@@ -363,9 +315,9 @@ TEST_F(QMgrCalls, TheHandlersChangeNoParameter) {
   reason = 2121;
   ConnxBefore(Axp(ZKXF_CONNX, ZKXR_BEFORE), &axc, name, &pCno, &pHconn, &compCode, &reason);
   ConnxAfter(Axp(ZKXF_CONNX, ZKXR_AFTER), &axc, name, &pCno, &pHconn, &compCode, &reason);
-  EXPECT_EQ(memcmp(name, nameBefore, sizeof name), 0);
-  EXPECT_EQ(memcmp(&cno, &cnoBefore, sizeof cno), 0);
-  EXPECT_EQ(memcmp(&cd, &cdBefore, sizeof cd), 0);
+  EXPECT_SAME_BYTES(name, nameBefore);
+  EXPECT_SAME_BYTES(cno, cnoBefore);
+  EXPECT_SAME_BYTES(cd, cdBefore);
   EXPECT_EQ(pCno, &cno);
   EXPECT_EQ(pHconn, &hconn);
   EXPECT_EQ(hconn, 9);

@@ -5,25 +5,18 @@
 // but not written, summary-only mode, and parameters that are missing.
 #include <gtest/gtest.h>
 
-#include <stdlib.h>
 #include <string.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "exit/control_block.h"
-#include "exit/handle_list.h"
 #include "handlers/handlers.h"
 #include "handlers/short_dumps.h"
-#include "output/statistics_index.h"
-#include "tests/harness_text.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/handler_fixture.h"
 #include "zk/zk.h"
 
 namespace {
-
-const ZKHCONN kHconn = 0x1A2B;
-const ZKHOBJ kHobj = 0x51;
 
 // One call's parameters as the queue manager passes them: each structure
 // and the buffer by a pointer whose address the handler gets.
@@ -50,38 +43,12 @@ struct QueueParms {
   char topic[128] = {};
 };
 
-struct QueueCalls : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-  ZKAXP axp;
-  ZKAXC axc;
-  ZKLONG compCode = ZKCC_OK;
-  ZKLONG reason = ZKRC_NONE;
-  QueueParms *p = new QueueParms();
-
+struct QueueCalls : HandlerParmsFixture<QueueParms> {
   void SetUp() override {
-    cb->Settings.CheckUpdateRequestInterval = 0;
-    cb->Settings.ShowParsedData = 1;
+    HandlerParmsFixture::SetUp();
     cb->Settings.ShowParsedMsgContent = 0;
     cb->Settings.ShowMaxLenPut = -1;
     cb->Settings.ShowMaxLenGet = -1;
-    cb->File.NoAddress = 1;
-    cb->ExecStatus = 1;
-    cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-    cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
-    memset(&axp, 0, sizeof axp);
-    memset(&axc, 0, sizeof axc);
-    axp.ExitChainAreaPtr = cb;
-  }
-  void TearDown() override {
-    free(cb->Handles.HandleList);
-    delete p;
-  }
-
-  PZKAXP Axp(int32_t function, int32_t exitReason) {
-    axp.Function = function;
-    axp.ExitReason = exitReason;
-    return &axp;
   }
 
   void Target(const char *name, uint8_t put, uint8_t get) {
@@ -163,35 +130,7 @@ struct QueueCalls : ::testing::Test {
     capture.Clear();
   }
 
-  // The lines a record holds after its header: after the exit-reason line
-  // of a before-record, after the process time of an after-record.
-  std::vector<std::string> OwnLines() {
-    std::string text = capture.Take();
-    std::vector<std::string> lines = SplitTextLines(text);
-    size_t from = lines.size() + 1;
-    for (size_t i = 0; i < lines.size(); i++) {
-      if (lines[i] == "(BEFORE" || lines[i].compare(0, 19, "| API process time:") == 0) {
-        from = i + 1;
-      }
-    }
-    EXPECT_LE(from, lines.size()) << "no header record in:\n" << text;
-    if (from > lines.size()) {
-      return {};
-    }
-    return std::vector<std::string>(lines.begin() + (long)from, lines.end());
-  }
-
-  // What the structure dumps write by themselves, as lines. The text of
-  // the call being checked stays in the buffer, so that these may be
-  // evaluated before or after OwnLines().
-  template <typename Show> std::vector<std::string> Shown(Show show) {
-    int32_t fill = cb->WriteBufferFill;
-    show();
-    std::string text(cb->WriteBuffer + fill, (size_t)(cb->WriteBufferFill - fill));
-    cb->WriteBufferFill = fill;
-    cb->WriteBuffer[fill] = '\0';
-    return SplitTextLines(text);
-  }
+  // What the structure dumps write by themselves, as lines.
   std::vector<std::string> Od() {
     return Shown([&] { ShowZKOD(cb, &p->od); });
   }
@@ -204,45 +143,7 @@ struct QueueCalls : ::testing::Test {
   std::vector<std::string> Gmo(int32_t exitReason, int32_t code) {
     return Shown([&] { ShowZKGMO(cb, &p->gmo, exitReason, code); });
   }
-
-  CallCounterRecord &Counted(int32_t function) {
-    return cb->Counters.Statistics[StatisticsIndexOfFunction(function)][COUNTER_CUMULATIVE];
-  }
 };
-
-// A field line as the formatters write it: "|> ", the name in 25 columns,
-// ": " and the value.
-std::string Field(const std::string &name, const std::string &value) {
-  std::string padded = name;
-  padded.resize(25, ' ');
-  return "|> " + padded + ": " + value;
-}
-
-// A dump line: offset and hex words, the character column from column 46.
-std::string Dump(std::string offsetAndHex, const std::string &characters) {
-  offsetAndHex.resize(46, ' ');
-  return offsetAndHex + "[" + characters + "]";
-}
-
-typedef std::vector<std::string> Lines;
-
-// The lines of a record made of parts: given lines and structure dumps.
-Lines Join(Lines a, const Lines &b = {}, const Lines &c = {}, const Lines &d = {},
-           const Lines &e = {}, const Lines &f = {}, const Lines &g = {}) {
-  for (const Lines *more : {&b, &c, &d, &e, &f, &g}) {
-    a.insert(a.end(), more->begin(), more->end());
-  }
-  return a;
-}
-
-bool HasLine(const std::vector<std::string> &lines, const std::string &prefix) {
-  for (const std::string &line : lines) {
-    if (line.compare(0, prefix.size(), prefix) == 0) {
-      return true;
-    }
-  }
-  return false;
-}
 
 // The dump of the 100 bytes Message(100) writes.
 const std::vector<std::string> kHundredBytes = {
@@ -943,7 +844,7 @@ TEST_F(QueueCalls, TheHandlersChangeNoParameter) {
   p->hobj = kHobj;
   compCode = ZKCC_WARNING;
   reason = ZKRC_TRUNCATED_MSG_ACCEPTED;
-  QueueParms *copy = new QueueParms(*p);
+  std::unique_ptr<QueueParms> copy = Copy();
   OpenB();
   OpenA();
   Put1B();
@@ -968,12 +869,11 @@ TEST_F(QueueCalls, TheHandlersChangeNoParameter) {
   EXPECT_EQ(p->pGmo, &p->gmo);
   EXPECT_EQ(p->pBuffer, (PZKVOID)p->buffer);
   EXPECT_EQ(p->pDataLength, &p->dataLength);
-  EXPECT_EQ(memcmp(&p->od, &copy->od, sizeof p->od), 0);
-  EXPECT_EQ(memcmp(&p->md, &copy->md, sizeof p->md), 0);
-  EXPECT_EQ(memcmp(&p->pmo, &copy->pmo, sizeof p->pmo), 0);
-  EXPECT_EQ(memcmp(&p->gmo, &copy->gmo, sizeof p->gmo), 0);
-  EXPECT_EQ(memcmp(p->buffer, copy->buffer, sizeof p->buffer), 0);
+  EXPECT_SAME_BYTES(p->od, copy->od);
+  EXPECT_SAME_BYTES(p->md, copy->md);
+  EXPECT_SAME_BYTES(p->pmo, copy->pmo);
+  EXPECT_SAME_BYTES(p->gmo, copy->gmo);
+  EXPECT_SAME_BYTES(p->buffer, copy->buffer);
   EXPECT_EQ(compCode, ZKCC_WARNING);
   EXPECT_EQ(reason, ZKRC_TRUNCATED_MSG_ACCEPTED);
-  delete copy;
 }

@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <stddef.h>
-#include <stdlib.h>
 #include <string.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,10 +22,10 @@
 #include "handlers/handlers.h"
 #include "handlers/short_dumps.h"
 #include "handlers/v7_dumps.h"
-#include "output/statistics_index.h"
 #include "tests/harness_text.h"
 #include "tests/unit/capture.h"
 #include "tests/unit/dump_test_support.h"
+#include "tests/unit/handler_fixture.h"
 #include "tests/unit/structure_test.h"
 #include "zk/zk.h"
 
@@ -36,11 +36,6 @@ typedef std::vector<std::string> Lines;
 // A field line: "|> ", the name in 25 columns, ": ", the value, a newline.
 std::string F(const std::string &name, const std::string &value) {
   return FieldLineName(name) + value + "\n";
-}
-
-// The same without its newline, as an element of a list of lines.
-std::string Field(const std::string &name, const std::string &value) {
-  return FieldLineName(name) + value;
 }
 
 // The lines of a variable-length string: its five fields, then its value
@@ -56,29 +51,6 @@ std::string Charv(const std::string &name, int32_t offset, const std::string &bu
     text += F("  Value (in string)", value);
   }
   return text;
-}
-
-// A dump line: offset and hex words, the character column from column 46.
-std::string Dump(std::string offsetAndHex, const std::string &characters) {
-  offsetAndHex.resize(46, ' ');
-  return offsetAndHex + "[" + characters + "]";
-}
-
-Lines Join(Lines a, const Lines &b = {}, const Lines &c = {}, const Lines &d = {},
-           const Lines &e = {}, const Lines &f = {}) {
-  for (const Lines *more : {&b, &c, &d, &e, &f}) {
-    a.insert(a.end(), more->begin(), more->end());
-  }
-  return a;
-}
-
-bool HasLine(const Lines &lines, const std::string &prefix) {
-  for (const std::string &line : lines) {
-    if (line.compare(0, prefix.size(), prefix) == 0) {
-      return true;
-    }
-  }
-  return false;
 }
 
 // ---------------------------------------------------------------------------
@@ -732,8 +704,6 @@ TEST_F(V7Dumps, NullStructuresShowNothing) {
 
 namespace {
 
-const ZKHCONN kHconn = 0x1A2B;
-const ZKHOBJ kHobj = 0x51;
 const ZKHSUB kHsub = 0x77;
 
 // One call's parameters as the queue manager passes them: each structure
@@ -768,37 +738,11 @@ struct V7Parms {
   char topic[80] = {};
 };
 
-struct V7Calls : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-  ZKAXP axp;
-  ZKAXC axc;
-  ZKLONG compCode = ZKCC_OK;
-  ZKLONG reason = ZKRC_NONE;
-  V7Parms *p = new V7Parms();
-
+struct V7Calls : HandlerParmsFixture<V7Parms> {
   void SetUp() override {
-    cb->Settings.CheckUpdateRequestInterval = 0;
-    cb->Settings.ShowParsedData = 1;
+    HandlerParmsFixture::SetUp();
     cb->Settings.ShowParsedMsgContent = 0;
     cb->Settings.ShowMaxLenGet = -1;
-    cb->File.NoAddress = 1;
-    cb->ExecStatus = 1;
-    cb->Handles.HandleList = (QueueHandleEntry *)calloc(HANDLE_LIST_STEP, sizeof(QueueHandleEntry));
-    cb->Handles.HandleCapacity = HANDLE_LIST_STEP;
-    memset(&axp, 0, sizeof axp);
-    memset(&axc, 0, sizeof axc);
-    axp.ExitChainAreaPtr = cb;
-  }
-  void TearDown() override {
-    free(cb->Handles.HandleList);
-    delete p;
-  }
-
-  PZKAXP Axp(int32_t function, int32_t exitReason) {
-    axp.Function = function;
-    axp.ExitReason = exitReason;
-    return &axp;
   }
 
   // A queue opened under `name` that resolved to `resolved`, as the open
@@ -877,34 +821,7 @@ struct V7Calls : ::testing::Test {
     SubA();
   }
 
-  // The lines a record holds after its header: after the exit-reason line
-  // of a before-record, after the process time of an after-record.
-  Lines OwnLines() {
-    std::string text = capture.Take();
-    Lines lines = SplitTextLines(text);
-    size_t from = lines.size() + 1;
-    for (size_t i = 0; i < lines.size(); i++) {
-      if (lines[i] == "(BEFORE" || lines[i].compare(0, 19, "| API process time:") == 0) {
-        from = i + 1;
-      }
-    }
-    EXPECT_LE(from, lines.size()) << "no header record in:\n" << text;
-    if (from > lines.size()) {
-      return {};
-    }
-    return Lines(lines.begin() + (long)from, lines.end());
-  }
-
-  // What a structure dump writes by itself, as lines; the text of the call
-  // being checked stays in the buffer.
-  template <typename Show> Lines Shown(Show show) {
-    int32_t fill = cb->WriteBufferFill;
-    show();
-    std::string text(cb->WriteBuffer + fill, (size_t)(cb->WriteBufferFill - fill));
-    cb->WriteBufferFill = fill;
-    cb->WriteBuffer[fill] = '\0';
-    return SplitTextLines(text);
-  }
+  // What a structure dump writes by itself, as lines.
   Lines Sts() {
     return Shown([&] { ShowZKSTS(cb, &p->sts); });
   }
@@ -928,10 +845,6 @@ struct V7Calls : ::testing::Test {
   }
   Lines Gmo(int32_t exitReason, int32_t code) {
     return Shown([&] { ShowZKGMO(cb, &p->gmo, exitReason, code); });
-  }
-
-  CallCounterRecord &Counted(int32_t function) {
-    return cb->Counters.Statistics[StatisticsIndexOfFunction(function)][COUNTER_CUMULATIVE];
   }
 };
 
@@ -1325,7 +1238,7 @@ TEST_F(V7Calls, TheHandlersChangeNoParameter) {
   p->cbc.BufferLength = 64;
   compCode = ZKCC_WARNING;
   reason = ZKRC_TRUNCATED_MSG_ACCEPTED;
-  V7Parms *copy = new V7Parms(*p);
+  std::unique_ptr<V7Parms> copy = Copy();
   StatB();
   StatA();
   SubB();
@@ -1356,17 +1269,16 @@ TEST_F(V7Calls, TheHandlersChangeNoParameter) {
   EXPECT_EQ(p->pGmo, &p->gmo);
   EXPECT_EQ(p->pBuffer, (PZKVOID)p->buffer);
   EXPECT_EQ(p->pCbc, &p->cbc);
-  EXPECT_EQ(memcmp(&p->sts, &copy->sts, sizeof p->sts), 0);
-  EXPECT_EQ(memcmp(&p->sd, &copy->sd, sizeof p->sd), 0);
-  EXPECT_EQ(memcmp(&p->sro, &copy->sro, sizeof p->sro), 0);
-  EXPECT_EQ(memcmp(&p->ctlo, &copy->ctlo, sizeof p->ctlo), 0);
-  EXPECT_EQ(memcmp(&p->cbd, &copy->cbd, sizeof p->cbd), 0);
-  EXPECT_EQ(memcmp(&p->md, &copy->md, sizeof p->md), 0);
-  EXPECT_EQ(memcmp(&p->gmo, &copy->gmo, sizeof p->gmo), 0);
-  EXPECT_EQ(memcmp(&p->cbc, &copy->cbc, sizeof p->cbc), 0);
-  EXPECT_EQ(memcmp(p->buffer, copy->buffer, sizeof p->buffer), 0);
-  EXPECT_EQ(memcmp(p->topic, copy->topic, sizeof p->topic), 0);
+  EXPECT_SAME_BYTES(p->sts, copy->sts);
+  EXPECT_SAME_BYTES(p->sd, copy->sd);
+  EXPECT_SAME_BYTES(p->sro, copy->sro);
+  EXPECT_SAME_BYTES(p->ctlo, copy->ctlo);
+  EXPECT_SAME_BYTES(p->cbd, copy->cbd);
+  EXPECT_SAME_BYTES(p->md, copy->md);
+  EXPECT_SAME_BYTES(p->gmo, copy->gmo);
+  EXPECT_SAME_BYTES(p->cbc, copy->cbc);
+  EXPECT_SAME_BYTES(p->buffer, copy->buffer);
+  EXPECT_SAME_BYTES(p->topic, copy->topic);
   EXPECT_EQ(compCode, ZKCC_WARNING);
   EXPECT_EQ(reason, ZKRC_TRUNCATED_MSG_ACCEPTED);
-  delete copy;
 }

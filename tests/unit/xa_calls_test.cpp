@@ -10,55 +10,26 @@
 #include <string>
 #include <vector>
 
-#include "exit/control_block.h"
 #include "handlers/handlers.h"
 #include "handlers/xa_fields.h"
 #include "tests/harness_text.h"
-#include "tests/unit/capture.h"
+#include "tests/unit/handler_fixture.h"
 #include "zk/zk.h"
 #include "zk/zkxa.h"
 
 namespace {
 
-const ZKHCONN kHconn = 0x2A;
+const ZKHCONN kXaHconn = 0x2A;
 
-struct XaCalls : ::testing::Test {
-  CaptureBlock capture;
-  ExitControlBlock *cb = capture.cb();
-  ZKAXP axp;
-  ZKAXC axc;
-  ZKHCONN hconn = kHconn;
+// The transaction-manager calls pass one return code in place of a
+// completion code and reason.
+struct XaCalls : HandlerFixture {
+  ZKHCONN hconn = kXaHconn;
   ZKLONG rmid = 7;
   ZKLONG flags = 0;
   ZKLONG rc = 0;
 
-  void SetUp() override {
-    cb->File.NoAddress = 1;
-    cb->ExecStatus = 1;
-    cb->Settings.ShowParsedData = 1;
-    memset(&axp, 0, sizeof axp);
-    memset(&axc, 0, sizeof axc);
-    axp.ExitChainAreaPtr = cb;
-  }
-
-  PZKAXP Axp(int32_t function, int32_t exitReason) {
-    axp.Function = function;
-    axp.ExitReason = exitReason;
-    return &axp;
-  }
-
-  // The lines after the header record.
-  std::vector<std::string> OwnLines() {
-    std::vector<std::string> lines = SplitTextLines(capture.Take());
-    size_t from = lines.size();
-    for (size_t i = 0; i < lines.size(); i++) {
-      if (lines[i] == "(BEFORE" || lines[i].compare(0, 19, "| API process time:") == 0) {
-        from = i + 1;
-      }
-    }
-    return std::vector<std::string>(lines.begin() + (long)from, lines.end());
-  }
-
+  // The header record, up to its process time.
   std::vector<std::string> Header() {
     std::vector<std::string> lines = SplitTextLines(capture.Take());
     std::vector<std::string> header;
@@ -324,10 +295,10 @@ TEST_F(XaCalls, TheHandlersChangeNoParameter) {
   ZKLONG r = rmid, f = flags, c = rc;
   XaEndBefore(Axp(ZKXF_XAEND, ZKXR_BEFORE), &axc, &hconn, &pXid, &rmid, &flags, &rc);
   XaEndAfter(Axp(ZKXF_XAEND, ZKXR_AFTER), &axc, &hconn, &pXid, &rmid, &flags, &rc);
-  EXPECT_EQ(memcmp(&xid, &copy, sizeof xid), 0);
+  EXPECT_SAME_BYTES(xid, copy);
   EXPECT_EQ(pXid, (ZKPTR)&xid);
   EXPECT_EQ(rmid, r);
   EXPECT_EQ(flags, f);
   EXPECT_EQ(rc, c);
-  EXPECT_EQ(hconn, kHconn);
+  EXPECT_EQ(hconn, kXaHconn);
 }
