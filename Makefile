@@ -4,7 +4,7 @@ BUILD ?= build
 BUILD_TYPE ?= RelWithDebInfo
 JOBS ?= 2
 
-.PHONY: all deps configure build test demo bench format clean
+.PHONY: all deps configure build test demo package bench format clean
 
 all: build
 
@@ -26,8 +26,17 @@ build: configure
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
 
-demo: build
+# The demonstration shows what zkqm and the exit do: the build's own output
+# goes to $(BUILD)/demo-build.log (its end is shown if the build fails).
+demo: deps
+	@scripts/quietly.sh $(BUILD)/demo-build.log "Building wz into $(BUILD)/" \
+	  $(MAKE) --no-print-directory build BUILD=$(BUILD) BUILD_TYPE=$(BUILD_TYPE) JOBS=$(JOBS)
 	@scripts/demo.sh $(BUILD)
+
+# The Debian package wz_<version>_i386.deb, made by cpack in $(BUILD)/
+# from what `cmake --install` puts under /opt/wz (cmake/install.cmake).
+package: build
+	@cd $(BUILD) && cpack --config CPackConfig.cmake
 
 # Everything built with AddressSanitizer and UndefinedBehaviorSanitizer in
 # its own folder, and the unit and end-to-end tests run there: any report

@@ -70,7 +70,7 @@ const Setting kSettings[] = {
     {"(a) ExecFlag=no", "ExecFlag=no\nCreateEmptyFile=no\n", false},
     {"(b) queue not selected", "TargetQueue=OTHER.Q\n", false},
     {"(c) ShowSummaryOnly=yes", "ShowSummaryOnly=yes\nWriteAfterEachApi=no\n", false},
-    {"(d) full header records", "WriteAfterEachApi=no\n", false},
+    {"(d) whole records", "WriteAfterEachApi=no\n", false},
     {"(e) every setting default", "", false},
     {"(f) defaults, 1 KB XML", "", true},
 };

@@ -72,7 +72,7 @@ cases=(
   "(a) ExecFlag=no|loop|wz|ExecFlag=no\nCreateEmptyFile=no\n"
   "(b) queue not selected|loop|wz|TargetQueue=OTHER.Q\n"
   "(c) ShowSummaryOnly=yes|loop|wz|ShowSummaryOnly=yes\nWriteAfterEachApi=no\n"
-  "(d) full header records|loop|wz|WriteAfterEachApi=no\n"
+  "(d) whole records|loop|wz|WriteAfterEachApi=no\n"
   "no exit, $large-byte messages|loop1k|none|"
   "exit that does nothing, $large-byte messages|loop1k|null|"
   "(e) everything shown, 1 KB|loop1k|wz|${all}ShowParsedMsgContent=yes\n"

@@ -11,6 +11,7 @@
 #include "log.h"
 #include "qmgr.h"
 #include "scenario.h"
+#include "wz_version.h"
 
 using namespace zkqm;
 
@@ -33,13 +34,15 @@ struct Options {
 
 void usage(FILE *out) {
   std::fputs("usage: zkqm --ini QM.INI --scenario FILE [--log FILE] [--no-exit] [--no-check]\n"
+             "       zkqm --version | --help\n"
              "  --ini FILE       configuration with ApiExitLocal stanzas\n"
              "  --scenario FILE  the commands to run (see sim/README.md)\n"
              "  --log FILE       write the log to FILE instead of standard output\n"
              "  --no-exit        load no exit: the connections run without any\n"
              "                   (--ini is then optional)\n"
              "  --no-check       do not check after each exit call that the exit\n"
-             "                   changed nothing (for benchmarks only)\n",
+             "                   changed nothing (for benchmarks only)\n"
+             "  --version        show the version and stop\n",
              out);
 }
 
@@ -70,6 +73,9 @@ bool parseArguments(int argc, char **argv, Options &options) {
       options.noExit = true;
     } else if (arg == "--no-check") {
       options.noCheck = true;
+    } else if (arg == "--version") {
+      std::printf("zkqm %s\n", WZ_VERSION);
+      std::exit(kExitOk);
     } else if (arg == "--help" || arg == "-h") {
       usage(stdout);
       std::exit(kExitOk);

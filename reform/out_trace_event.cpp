@@ -1,0 +1,262 @@
+// The calls as a timeline in the trace-event JSON format that trace viewers
+// open: {"traceEvents":[...],"displayTimeUnit":"ms"}. Each traced thread is
+// a track (pid: the process id of its trace file, tid: its thread id) named
+// by metadata events; each call is one complete event ("ph":"X") on its
+// track, the calls made inside it events of their own within its span.
+//
+// Times are the trace's time stamps in microseconds (local time as
+// written, read as UTC), so that traces of several processes line up.
+#include <errno.h>
+#include <stdio.h>
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "reform/json.h"
+#include "reform/parser.h"
+#include "reform/summary.h"
+#include "reform/writers.h"
+
+namespace wzreform {
+
+namespace {
+
+class TraceEventWriter : public CallWriter {
+public:
+  explicit TraceEventWriter(FILE *out) : Out(out) {}
+
+  int Begin() override {
+    Text = "{\"traceEvents\":[";
+    return Flush();
+  }
+
+  int Write(const Call &call) override {
+    int64_t pid = call.Source != nullptr ? call.Source->ProcessId : 0;
+    int64_t tid = call.Source != nullptr ? call.Source->ThreadId : 0;
+    NameTrack(call.Source, pid, tid);
+    WriteCall(call, pid, tid, nullptr);
+    return Flush();
+  }
+
+  int End() override {
+    Text += "\n],\"displayTimeUnit\":\"ms\"}\n";
+    if (Flush() != 0) {
+      return -1;
+    }
+    if (fflush(Out) != 0) {
+      return Failed();
+    }
+    return 0;
+  }
+
+private:
+  using Track = std::pair<int64_t, int64_t>;
+
+  // The names a track has shown so far: programs, and queue managers (of
+  // a process) or connection names (of a thread).
+  struct TrackNames {
+    std::vector<std::string> Programs;
+    std::vector<std::string> Others;
+    bool Named = false;
+  };
+
+  static std::string Joined(const std::vector<std::string> &names) {
+    std::string text;
+    for (const std::string &name : names) {
+      text += (text.empty() ? "" : ", ") + name;
+    }
+    return text;
+  }
+
+  // A call's place on its track, the start and the end in microseconds.
+  struct Span {
+    int64_t Start;
+    int64_t End;
+  };
+
+  // Opens the next event: the comma and line break between events.
+  JsonWriter Event() {
+    Text += Events++ == 0 ? "\n" : ",\n";
+    return JsonWriter(Text);
+  }
+
+  // The metadata events naming a process ("orders on ZKQM1") and a thread
+  // ("thread 1 (orders)") the first time a call of theirs comes. A process
+  // or thread that shows another program, queue manager or connection
+  // name (several connections under other names) is named again with all
+  // of them: viewers keep the last name.
+  void NameTrack(const TraceSource *source, int64_t pid, int64_t tid) {
+    std::string program = source != nullptr && !source->Program.empty() ? source->Program : "?";
+    std::string qmgr = source != nullptr ? source->QMgr : std::string();
+    std::string connection = source != nullptr ? source->Connection : std::string();
+    TrackNames &process = Processes[pid];
+    if (AddName(process.Programs, program) | AddName(process.Others, qmgr)) {
+      std::string name = Joined(process.Programs);
+      if (!process.Others.empty()) {
+        name += " on " + Joined(process.Others);
+      }
+      Metadata(pid, tid, "process_name", name);
+    }
+    TrackNames &thread = Threads[{pid, tid}];
+    if (AddName(thread.Programs, program) | AddName(thread.Others, connection) || !thread.Named) {
+      thread.Named = true;
+      std::string name = "thread " + std::to_string(tid) + " (" + Joined(thread.Programs);
+      if (!thread.Others.empty()) {
+        name += "; " + Joined(thread.Others);
+      }
+      Metadata(pid, tid, "thread_name", name + ")");
+    }
+  }
+
+  // Adds a name not yet in the list; true when it was added.
+  static bool AddName(std::vector<std::string> &names, const std::string &name) {
+    if (name.empty() || std::find(names.begin(), names.end(), name) != names.end()) {
+      return false;
+    }
+    names.push_back(name);
+    return true;
+  }
+
+  void Metadata(int64_t pid, int64_t tid, const char *what, const std::string &name) {
+    JsonWriter json = Event();
+    json.BeginObject();
+    json.Member("name", what);
+    json.Member("ph", "M");
+    json.Member("pid", pid);
+    json.Member("tid", tid);
+    json.Key("args");
+    json.BeginObject();
+    json.Member("name", name);
+    json.EndObject();
+    json.EndObject();
+  }
+
+  // Where the call goes on its track: its own times when known, kept
+  // within its parent's span when it has one. An unfinished call of the
+  // top level lasts up to the last time seen on its track; a call with no
+  // time at all takes its parent's start, or the last time of the track.
+  bool Place(const Call &call, const Track &track, const Span *parent, Span *span) {
+    int64_t start = -1;
+    int64_t end = -1;
+    bool timed = CallSpan(call, &start, &end);
+    int64_t &last = LastTime[track];
+    if (!timed) {
+      if (parent != nullptr) {
+        start = parent->Start;
+      } else if (last > 0) {
+        start = last;
+      } else {
+        return false;
+      }
+    }
+    if (end < start) {
+      end = parent == nullptr && call.Unfinished ? std::max(start, last) : start;
+    }
+    if (parent != nullptr) {
+      start = std::clamp(start, parent->Start, parent->End);
+      end = std::clamp(end, start, parent->End);
+    }
+    last = std::max(last, end);
+    span->Start = start;
+    span->End = end;
+    return true;
+  }
+
+  void WriteCall(const Call &call, int64_t pid, int64_t tid, const Span *parent) {
+    Span span;
+    if (!Place(call, {pid, tid}, parent, &span)) {
+      return;
+    }
+    std::string name = call.Function;
+    if (!call.ObjectName.empty()) {
+      name += " " + call.ObjectName;
+    }
+    JsonWriter json = Event();
+    json.BeginObject();
+    json.Member("name", name);
+    json.Member("cat", FunctionFamily(call.Function));
+    json.Member("ph", "X");
+    json.Member("ts", span.Start);
+    json.Member("dur", span.End - span.Start);
+    json.Member("pid", pid);
+    json.Member("tid", tid);
+    json.Key("args");
+    json.BeginObject();
+    json.Member("function", call.Function);
+    if (!call.ObjectName.empty()) {
+      json.Member("object", call.ObjectName);
+    }
+    if (!call.ResolvedName.empty()) {
+      json.Member("resolvedName", call.ResolvedName);
+    }
+    if (call.HasHconn) {
+      json.Key("hconn");
+      json.Hex32(call.Hconn);
+    }
+    if (call.HasHobj) {
+      json.Key("hobj");
+      json.Hex32(call.Hobj);
+    }
+    if (call.HasCodes && IsTransactionFunction(call.Function)) {
+      json.Member("xaReturnValue", call.CompCode);
+    } else if (call.HasCodes) {
+      json.Member("compCode", call.CompCode);
+      json.Member("reason", call.Reason);
+    }
+    if (!call.ReasonName.empty()) {
+      json.Member("reasonName", call.ReasonName);
+    }
+    json.Member("result", OutcomeName(CallOutcome(call)));
+    if (call.Sequence != 0) {
+      json.Member("sequence", call.Sequence);
+    }
+    int64_t elapsed = 0;
+    if (call.HasElapsed && CallElapsed(call, &elapsed)) {
+      json.Member("elapsedMicros", elapsed);
+    }
+    if (call.Unfinished) {
+      json.Member("unfinished", true);
+    }
+    json.EndObject();
+    json.EndObject();
+    for (const Call &inner : call.Inside) {
+      WriteCall(inner, pid, tid, &span);
+    }
+  }
+
+  int Flush() {
+    if (!Text.empty()) {
+      errno = 0;
+      if (fwrite(Text.data(), 1, Text.size(), Out) != Text.size()) {
+        return Failed();
+      }
+      Text.clear();
+    }
+    return 0;
+  }
+
+  static int Failed() {
+    if (errno == 0) {
+      errno = EIO;
+    }
+    return -1;
+  }
+
+  FILE *Out;
+  std::string Text;    // what is still to be written
+  uint64_t Events = 0; // events written so far
+  std::map<int64_t, TrackNames> Processes;
+  std::map<Track, TrackNames> Threads;
+  std::map<Track, int64_t> LastTime; // the latest end on each track
+};
+
+} // namespace
+
+CallWriter *NewTraceEventWriter(FILE *out) {
+  return new TraceEventWriter(out);
+}
+
+} // namespace wzreform
