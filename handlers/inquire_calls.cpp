@@ -144,20 +144,35 @@ InquireArgs ArgsOf(PZKLONG pSelectorCount, PPZKLONG ppSelectors, PZKLONG pIntAtt
   return a;
 }
 
-} // namespace
+// The lines of a before-record of ZKINQ or ZKSET.
+typedef void (*BeforeLines)(ExitControlBlock *cb, const ZKHCONN *pHconn, const ZKHOBJ *pHobj,
+                            const InquireArgs &a);
 
-void InqBefore(PZKAXP axp, PZKAXC, PZKHCONN pHconn, PZKHOBJ pHobj, PZKLONG pSelectorCount,
-               PPZKLONG ppSelectors, PZKLONG pIntAttrCount, PPZKLONG ppIntAttrs,
-               PZKLONG pCharAttrLength, PPZKCHAR ppCharAttrs, PZKLONG pCompCode, PZKLONG pReason) {
+// A before-record of ZKINQ or ZKSET: the header record, then the call's
+// lines by `lines`. The arrays are looked at only when the record is
+// written.
+void AttrCallBefore(BeforeLines lines, PZKAXP axp, PZKHCONN pHconn, PZKHOBJ pHobj,
+                    PZKLONG pSelectorCount, PPZKLONG ppSelectors, PZKLONG pIntAttrCount,
+                    PPZKLONG ppIntAttrs, PZKLONG pCharAttrLength, PPZKCHAR ppCharAttrs,
+                    PZKLONG pCompCode, PZKLONG pReason) {
   HandlerCall call = {axp, pCompCode, pReason, pHobj};
   call.QueueCall = 1;
   if (HandlerBefore(&call) != RC_OK) {
     return;
   }
-  InquireBeforeLines(
+  lines(
       call.Cb, pHconn, pHobj,
       ArgsOf(pSelectorCount, ppSelectors, pIntAttrCount, ppIntAttrs, pCharAttrLength, ppCharAttrs));
   HandlerBeforeEnd(&call);
+}
+
+} // namespace
+
+void InqBefore(PZKAXP axp, PZKAXC, PZKHCONN pHconn, PZKHOBJ pHobj, PZKLONG pSelectorCount,
+               PPZKLONG ppSelectors, PZKLONG pIntAttrCount, PPZKLONG ppIntAttrs,
+               PZKLONG pCharAttrLength, PPZKCHAR ppCharAttrs, PZKLONG pCompCode, PZKLONG pReason) {
+  AttrCallBefore(InquireBeforeLines, axp, pHconn, pHobj, pSelectorCount, ppSelectors, pIntAttrCount,
+                 ppIntAttrs, pCharAttrLength, ppCharAttrs, pCompCode, pReason);
 }
 
 void InqAfter(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PZKLONG pSelectorCount,
@@ -177,15 +192,8 @@ void InqAfter(PZKAXP axp, PZKAXC, PZKHCONN, PZKHOBJ pHobj, PZKLONG pSelectorCoun
 void SetBefore(PZKAXP axp, PZKAXC, PZKHCONN pHconn, PZKHOBJ pHobj, PZKLONG pSelectorCount,
                PPZKLONG ppSelectors, PZKLONG pIntAttrCount, PPZKLONG ppIntAttrs,
                PZKLONG pCharAttrLength, PPZKCHAR ppCharAttrs, PZKLONG pCompCode, PZKLONG pReason) {
-  HandlerCall call = {axp, pCompCode, pReason, pHobj};
-  call.QueueCall = 1;
-  if (HandlerBefore(&call) != RC_OK) {
-    return;
-  }
-  SetBeforeLines(
-      call.Cb, pHconn, pHobj,
-      ArgsOf(pSelectorCount, ppSelectors, pIntAttrCount, ppIntAttrs, pCharAttrLength, ppCharAttrs));
-  HandlerBeforeEnd(&call);
+  AttrCallBefore(SetBeforeLines, axp, pHconn, pHobj, pSelectorCount, ppSelectors, pIntAttrCount,
+                 ppIntAttrs, pCharAttrLength, ppCharAttrs, pCompCode, pReason);
 }
 
 // The record of the header only: what was set stands in the before-record.

@@ -36,30 +36,16 @@ class KeySet {
 public:
   // The key to write for `name`: the name, or "name#N" the Nth time.
   std::string_view Unique(std::string_view name) {
-    if (Used * 2 + 2 > Slots.size()) {
-      Grow();
+    Slot *slot = Take(name);
+    if (slot == nullptr) {
+      return name;
     }
-    uint32_t h = Hash(name);
-    size_t mask = Slots.size() - 1;
-    for (size_t i = h & mask;; i = (i + 1) & mask) {
-      Slot &slot = Slots[i];
-      if (slot.Count == 0) {
-        slot.Name = name;
-        slot.Hash = h;
-        slot.Count = 1;
-        Used++;
-        Touched.push_back(i);
-        return name;
-      }
-      if (slot.Hash == h && slot.Name == name) {
-        slot.Count++;
-        Buffer.assign(name.data(), name.size());
-        Buffer += '#';
-        Buffer += std::to_string(slot.Count);
-        // "Name#2" might itself be a name of the object: taken as well.
-        return Unique2();
-      }
-    }
+    slot->Count++;
+    Buffer.assign(name.data(), name.size());
+    Buffer += '#';
+    Buffer += std::to_string(slot->Count);
+    // "Name#2" might itself be a name of the object: taken as well.
+    return Unique2();
   }
 
   void Clear() {
@@ -89,10 +75,21 @@ private:
     // Generated names are rare: kept alive in a list of their own.
     Generated.push_back(Buffer);
     std::string_view name = Generated.back();
-    uint32_t h = Hash(name);
+    if (Take(name) == nullptr) {
+      return name;
+    }
+    // Taken by a name of the trace: one more "#".
+    Buffer = Generated.back() + "#";
+    return Unique2();
+  }
+
+  // Enters `name` into the table: null when it is new (its count now 1),
+  // else the slot that holds it already.
+  Slot *Take(std::string_view name) {
     if (Used * 2 + 2 > Slots.size()) {
       Grow();
     }
+    uint32_t h = Hash(name);
     size_t mask = Slots.size() - 1;
     for (size_t i = h & mask;; i = (i + 1) & mask) {
       Slot &slot = Slots[i];
@@ -102,12 +99,10 @@ private:
         slot.Count = 1;
         Used++;
         Touched.push_back(i);
-        return name;
+        return nullptr;
       }
       if (slot.Hash == h && slot.Name == name) {
-        // Taken by a name of the trace: one more "#".
-        Buffer = Generated.back() + "#";
-        return Unique2();
+        return &slot;
       }
     }
   }
@@ -387,6 +382,8 @@ private:
 
 } // namespace
 
-CallWriter *NewJsonlWriter(FILE *out) { return new JsonlWriter(out); }
+CallWriter *NewJsonlWriter(FILE *out) {
+  return new JsonlWriter(out);
+}
 
 } // namespace wzreform

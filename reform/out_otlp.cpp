@@ -26,6 +26,7 @@
 
 #include "reform/json.h"
 #include "reform/parser.h"
+#include "reform/span_place.h"
 #include "reform/summary.h"
 #include "reform/writers.h"
 #include "wz_version.h"
@@ -81,9 +82,7 @@ std::string Hex64(uint64_t value) {
 }
 
 // A span's place in time and its ids.
-struct SpanPlace {
-  int64_t Start;
-  int64_t End;
+struct SpanPlace : SpanBounds {
   std::string TraceId;
   std::string SpanId;
 };
@@ -216,41 +215,10 @@ private:
     }
   }
 
-  // The span's times: its own when known, kept within its parent's span
-  // when it has one. An unfinished call of the top level ends at the last
-  // time seen in its trace file; a call with no time at all takes its
-  // parent's start, or that last time.
-  bool Place(const Call &call, const std::string &path, const SpanPlace *parent, SpanPlace *place) {
-    int64_t start = -1;
-    int64_t end = -1;
-    bool timed = CallSpan(call, &start, &end);
-    int64_t &last = LastTime[path];
-    if (!timed) {
-      if (parent != nullptr) {
-        start = parent->Start;
-      } else if (last > 0) {
-        start = last;
-      } else {
-        return false;
-      }
-    }
-    if (end < start) {
-      end = parent == nullptr && call.Unfinished ? std::max(start, last) : start;
-    }
-    if (parent != nullptr) {
-      start = std::clamp(start, parent->Start, parent->End);
-      end = std::clamp(end, start, parent->End);
-    }
-    last = std::max(last, end);
-    place->Start = start;
-    place->End = end;
-    return true;
-  }
-
   void WriteSpan(const Call &call, const std::string &path, int64_t index,
                  const SpanPlace *parent) {
     SpanPlace place;
-    if (!Place(call, path, parent, &place)) {
+    if (!PlaceSpan(call, parent, LastTime[path], &place)) {
       return;
     }
     // The key of the call: its trace file, its sequence number, its

@@ -3,7 +3,6 @@
 // the slowest calls of each function with their sequence numbers. The
 // statistics are kept as the calls come (summary.h); the tables are
 // written at the end.
-#include <errno.h>
 #include <stdio.h>
 
 #include <algorithm>
@@ -151,38 +150,10 @@ std::string RenderSummary(const TraceStats &stats) {
   return out;
 }
 
-class SummaryWriter : public CallWriter {
-public:
-  explicit SummaryWriter(FILE *out) : Out(out) {}
-
-  int Begin() override { return 0; }
-
-  int Write(const Call &call) override {
-    Stats.Add(call);
-    return 0;
-  }
-
-  int End() override {
-    errno = 0;
-    std::string text = RenderSummary(Stats);
-    if (fwrite(text.data(), 1, text.size(), Out) != text.size() || fflush(Out) != 0) {
-      if (errno == 0) {
-        errno = EIO;
-      }
-      return -1;
-    }
-    return 0;
-  }
-
-private:
-  FILE *Out;
-  TraceStats Stats;
-};
-
 } // namespace
 
 CallWriter *NewSummaryWriter(FILE *out) {
-  return new SummaryWriter(out);
+  return new StatsWriter(out, RenderSummary);
 }
 
 } // namespace wzreform

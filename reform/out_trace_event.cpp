@@ -17,6 +17,7 @@
 
 #include "reform/json.h"
 #include "reform/parser.h"
+#include "reform/span_place.h"
 #include "reform/summary.h"
 #include "reform/writers.h"
 
@@ -72,10 +73,7 @@ private:
   }
 
   // A call's place on its track, the start and the end in microseconds.
-  struct Span {
-    int64_t Start;
-    int64_t End;
-  };
+  using Span = SpanBounds;
 
   // Opens the next event: the comma and line break between events.
   JsonWriter Event() {
@@ -134,40 +132,9 @@ private:
     json.EndObject();
   }
 
-  // Where the call goes on its track: its own times when known, kept
-  // within its parent's span when it has one. An unfinished call of the
-  // top level lasts up to the last time seen on its track; a call with no
-  // time at all takes its parent's start, or the last time of the track.
-  bool Place(const Call &call, const Track &track, const Span *parent, Span *span) {
-    int64_t start = -1;
-    int64_t end = -1;
-    bool timed = CallSpan(call, &start, &end);
-    int64_t &last = LastTime[track];
-    if (!timed) {
-      if (parent != nullptr) {
-        start = parent->Start;
-      } else if (last > 0) {
-        start = last;
-      } else {
-        return false;
-      }
-    }
-    if (end < start) {
-      end = parent == nullptr && call.Unfinished ? std::max(start, last) : start;
-    }
-    if (parent != nullptr) {
-      start = std::clamp(start, parent->Start, parent->End);
-      end = std::clamp(end, start, parent->End);
-    }
-    last = std::max(last, end);
-    span->Start = start;
-    span->End = end;
-    return true;
-  }
-
   void WriteCall(const Call &call, int64_t pid, int64_t tid, const Span *parent) {
     Span span;
-    if (!Place(call, {pid, tid}, parent, &span)) {
+    if (!PlaceSpan(call, parent, LastTime[Track{pid, tid}], &span)) {
       return;
     }
     std::string name = call.Function;

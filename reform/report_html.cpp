@@ -4,7 +4,6 @@
 // per function. Every text that comes from the trace is escaped; bytes
 // outside printable ASCII are written as character references (each byte
 // read as ISO 8859-1), so the page is plain ASCII.
-#include <errno.h>
 #include <math.h>
 #include <stdio.h>
 
@@ -418,38 +417,14 @@ private:
   std::string Out;
 };
 
-class HtmlReportWriter : public CallWriter {
-public:
-  explicit HtmlReportWriter(FILE *out) : Out(out) {}
-
-  int Begin() override { return 0; }
-
-  int Write(const Call &call) override {
-    Stats.Add(call);
-    return 0;
-  }
-
-  int End() override {
-    errno = 0;
-    std::string page = HtmlReport(Stats).Render();
-    if (fwrite(page.data(), 1, page.size(), Out) != page.size() || fflush(Out) != 0) {
-      if (errno == 0) {
-        errno = EIO;
-      }
-      return -1;
-    }
-    return 0;
-  }
-
-private:
-  FILE *Out;
-  TraceStats Stats;
-};
+std::string RenderHtmlReport(const TraceStats &stats) {
+  return HtmlReport(stats).Render();
+}
 
 } // namespace
 
 CallWriter *NewHtmlReportWriter(FILE *out) {
-  return new HtmlReportWriter(out);
+  return new StatsWriter(out, RenderHtmlReport);
 }
 
 } // namespace wzreform

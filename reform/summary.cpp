@@ -2,6 +2,7 @@
 
 #include "reform/parser.h"
 
+#include <errno.h>
 #include <math.h>
 #include <stdio.h>
 #include <time.h>
@@ -414,6 +415,23 @@ std::string FormatMicrosTime(int64_t micros) {
            parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec,
            static_cast<int>(micros % 1000000));
   return text;
+}
+
+int StatsWriter::Write(const Call &call) {
+  Stats.Add(call);
+  return 0;
+}
+
+int StatsWriter::End() {
+  errno = 0;
+  std::string text = RenderText(Stats);
+  if (fwrite(text.data(), 1, text.size(), Out) != text.size() || fflush(Out) != 0) {
+    if (errno == 0) {
+      errno = EIO;
+    }
+    return -1;
+  }
+  return 0;
 }
 
 } // namespace wzreform

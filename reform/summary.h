@@ -8,6 +8,7 @@
 #pragma once
 
 #include <stdint.h>
+#include <stdio.h>
 
 #include <map>
 #include <set>
@@ -187,5 +188,23 @@ std::vector<std::string> GroupCells(const GroupStats &group);
 // "2026/11/24 12:00:00.123456" from microseconds since the epoch (read as
 // UTC, the way the reader stores the local time stamps); "-" for -1.
 std::string FormatMicrosTime(int64_t micros);
+
+// A writer that gathers the statistics of all calls and at the end writes
+// what `render` makes of them (the plain summary, the HTML report) to out.
+class StatsWriter : public CallWriter {
+public:
+  using Render = std::string (*)(const TraceStats &stats);
+
+  StatsWriter(FILE *out, Render render) : Out(out), RenderText(render) {}
+
+  int Begin() override { return 0; }
+  int Write(const Call &call) override;
+  int End() override;
+
+private:
+  FILE *Out;
+  Render RenderText;
+  TraceStats Stats;
+};
 
 } // namespace wzreform
