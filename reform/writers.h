@@ -1,6 +1,6 @@
 // The output formats of wzreform, each made by its own factory function in
 // its own source file (out_jsonl.cpp, out_csv.cpp, out_trace_event.cpp,
-// out_otlp.cpp, summary.cpp, report_html.cpp). A factory returns a writer
+// out_otlp.cpp, out_summary.cpp, report_html.cpp). A factory returns a writer
 // that writes to out (which stays open and owned by the caller), or
 // nullptr when the format is not part of this build.
 #pragma once
