@@ -222,3 +222,12 @@ int32_t ReadFuzzLimit(FuzzInput &in) {
   uint16_t limit = in.U16();
   return limit == 0xFFFF ? -1 : limit;
 }
+
+CaptureBlock &ParsedContentCapture(int32_t limit, int32_t lineLength) {
+  static CaptureBlock *capture = new CaptureBlock(8192);
+  ExitControlBlock *cb = capture->cb();
+  cb->Settings.ShowMaxLenParsedContent = limit;
+  cb->Settings.MaxParsedOutputLineLength = lineLength;
+  capture->Take();
+  return *capture;
+}

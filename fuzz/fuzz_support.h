@@ -96,3 +96,8 @@ private:
   ExitControlBlock *cb_;
   int fd_;
 };
+
+// The capture block of the targets of parsed message data (one per
+// process), emptied, with the parsed-content limit and the line length of
+// this input.
+CaptureBlock &ParsedContentCapture(int32_t limit, int32_t lineLength);

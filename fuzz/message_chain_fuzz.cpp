@@ -24,11 +24,6 @@ const char *const kFormats[] = {"ZKADMIN ", "ZKDEAD  ", "ZKHDIST ", "ZKHEPCF ", 
                                 "ZKSTR   ", "ZKTRIG  ", "ZKXMIT  ", "        ", "NOTKNOWN"};
 constexpr size_t kFormatCount = sizeof kFormats / sizeof kFormats[0];
 
-CaptureBlock &Capture() {
-  static CaptureBlock *capture = new CaptureBlock(8192);
-  return *capture;
-}
-
 struct Header {
   char format[8];
   int32_t encoding;
@@ -63,11 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *input, size_t inputSize) {
   const uint8_t *data = input + (inputSize - in.Remaining());
   int32_t size = (int32_t)in.Remaining();
 
-  CaptureBlock &capture = Capture();
+  CaptureBlock &capture = ParsedContentCapture(h.limit, h.lineLength);
   ExitControlBlock *cb = capture.cb();
-  cb->Settings.ShowMaxLenParsedContent = h.limit;
-  cb->Settings.MaxParsedOutputLineLength = h.lineLength;
-  capture.Take();
   ShowParsedMsgData(cb, h.format, h.encoding, data, size);
   std::string text = capture.Take();
   CheckParsedText(text, (size_t)size);

@@ -31,11 +31,6 @@ constexpr int32_t kGroupType = 20;
 constexpr size_t kDeepestLevels = 33; // the body's level and 32 of groups
 const char kHeadingStart[] = "|> ------------------------ : --- ";
 
-CaptureBlock &Capture() {
-  static CaptureBlock *capture = new CaptureBlock(8192);
-  return *capture;
-}
-
 struct Header {
   int32_t encoding;
   int32_t limit;
@@ -141,11 +136,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *input, size_t inputSize) {
   const uint8_t *body = input + (inputSize - in.Remaining());
   int32_t size = (int32_t)in.Remaining();
 
-  CaptureBlock &capture = Capture();
+  CaptureBlock &capture = ParsedContentCapture(h.limit, h.lineLength);
   ExitControlBlock *cb = capture.cb();
-  cb->Settings.ShowMaxLenParsedContent = h.limit;
-  cb->Settings.MaxParsedOutputLineLength = h.lineLength;
-  capture.Take();
   ShowParsedPCF(cb, h.encoding, body, size, h.offset);
   std::string text = capture.Take();
 

@@ -20,11 +20,6 @@
 
 namespace {
 
-CaptureBlock &Capture() {
-  static CaptureBlock *capture = new CaptureBlock(8192);
-  return *capture;
-}
-
 bool LooksLikeXml(const uint8_t *data, int32_t size) {
   int32_t last = size - 1;
   while (last >= 0 && (data[last] == ' ' || data[last] == 0)) {
@@ -53,11 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *input, size_t inputSize) {
   const uint8_t *data = input + (inputSize - in.Remaining());
   int32_t size = (int32_t)in.Remaining();
 
-  CaptureBlock &capture = Capture();
+  CaptureBlock &capture = ParsedContentCapture(limit, lineLength);
   ExitControlBlock *cb = capture.cb();
-  cb->Settings.ShowMaxLenParsedContent = limit;
-  cb->Settings.MaxParsedOutputLineLength = lineLength;
-  capture.Take();
   int32_t shown = ShowParsedXml(cb, data, size, offset, "XML data");
   std::string text = capture.Take();
   if (shown == 0) {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "reform/json.h"
+#include "reform/write_out.h"
 #include "reform/parser.h"
 #include "reform/span_place.h"
 #include "reform/summary.h"
@@ -44,13 +45,7 @@ public:
 
   int End() override {
     Text += "\n],\"displayTimeUnit\":\"ms\"}\n";
-    if (Flush() != 0) {
-      return -1;
-    }
-    if (fflush(Out) != 0) {
-      return Failed();
-    }
-    return 0;
+    return WriteOut(Out, &Text, true);
   }
 
 private:
@@ -194,23 +189,7 @@ private:
     }
   }
 
-  int Flush() {
-    if (!Text.empty()) {
-      errno = 0;
-      if (fwrite(Text.data(), 1, Text.size(), Out) != Text.size()) {
-        return Failed();
-      }
-      Text.clear();
-    }
-    return 0;
-  }
-
-  static int Failed() {
-    if (errno == 0) {
-      errno = EIO;
-    }
-    return -1;
-  }
+  int Flush() { return WriteOut(Out, &Text, false); }
 
   FILE *Out;
   std::string Text;    // what is still to be written

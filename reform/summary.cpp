@@ -1,5 +1,7 @@
 #include "reform/summary.h"
 
+#include "reform/write_out.h"
+
 #include "reform/parser.h"
 
 #include <errno.h>
@@ -423,15 +425,8 @@ int StatsWriter::Write(const Call &call) {
 }
 
 int StatsWriter::End() {
-  errno = 0;
   std::string text = RenderText(Stats);
-  if (fwrite(text.data(), 1, text.size(), Out) != text.size() || fflush(Out) != 0) {
-    if (errno == 0) {
-      errno = EIO;
-    }
-    return -1;
-  }
-  return 0;
+  return WriteOut(Out, &text, true);
 }
 
 } // namespace wzreform
